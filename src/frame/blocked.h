@@ -1,0 +1,191 @@
+// The Blocked skeleton: blocks of elements through 256-bit vector code with
+// no branch per element; the rare lane that the fast formula can't serve is
+// flagged by a SpecialMask built from integer compares on the input patterns
+// and settled afterwards by the family's scalar fixup.
+//
+// A family describes itself by a struct K:
+//   using T = float | double;              element type
+//   static constexpr int kBlock;           elements per block (4, 8 or 16)
+//   template <class V> static V eval(V x)                    Unary
+//   template <class V> static V eval(V x, V y)               Binary
+//   template <class V> static void eval(V x, V& r1, V& r2)   Pair
+//       the fast formula, run on f32x8/f64x4 in blocks and on float/double
+//       in the tail: one text, so both paths give the same bits;
+//   template <class I> static auto special(I bits [, I bits2])
+//       the SpecialMask test on the input patterns (binary64: high words);
+//   static orvoStatus fixup(const T* in, [const T* in2,] T* out [, T* out2])
+//       the ScalarFixup: the lane's value and status, computed alone.
+// Optional: static constexpr bool kQuiet = true for kernels that report no
+// status and raise no event (their fixups' statuses are ignored).
+#pragma once
+
+#include <cstdint>
+
+#include "frame/args.h"
+#include "frame/fp_event_raiser.h"
+#include "frame/simd.h"
+
+namespace orvo {
+
+template <class T> struct BlockVector;
+template <> struct BlockVector<float> { using type = simd::f32x8; };
+template <> struct BlockVector<double> { using type = simd::f64x4; };
+
+// The pattern that a SpecialMask inspects: all 32 bits of a binary32 lane,
+// the high word of a binary64 lane.
+inline uint32_t maskPattern(float x) { return simd::asBits(x); }
+inline simd::u32x8 maskPattern(simd::f32x8 x) { return simd::asBits(x); }
+inline uint32_t maskPattern(double x) { return simd::highWords(x); }
+inline simd::u32x4 maskPattern(simd::f64x4 x) { return simd::highWords(x); }
+
+template <class K, int NI, int NO> struct BlockedKernel {
+    using T = typename K::T;
+    using V = typename BlockVector<T>::type;
+    static constexpr int kBlock = K::kBlock;
+    static constexpr int kLanes = simd::kLanes<V>;
+    static constexpr int kVectors = kBlock / kLanes;
+    static_assert(kBlock % kLanes == 0 && kBlock <= 32);
+    static constexpr bool kQuiet = requires { K::kQuiet; };
+
+    // Each kernel passes the address of a private zero word as its name.
+    static inline const char kEventName[4] = {};
+
+    static void raise(orvoStatus status, uint32_t index, const T* src, T* dst1, T* dst2) {
+        if constexpr (requires { K::raiseEvent; })  // a test kernel watching its events
+            K::raiseEvent(status, index, src, src, dst1, dst2, kEventName);
+        else if constexpr (std::is_same_v<T, float>)
+            FpEventRaiser32(status, index, src, src, dst1, dst2, kEventName);
+        else
+            FpEventRaiser64(status, index, src, src, dst1, dst2, kEventName);
+    }
+
+    template <class W> static auto laneMask(const W (&x)[NI]) {
+        if constexpr (NI == 1) return K::special(maskPattern(x[0]));
+        else return K::special(maskPattern(x[0]), maskPattern(x[1]));
+    }
+
+    template <class W> static void evaluate(const W (&x)[NI], W (&r)[NO]) {
+        if constexpr (NI == 2) r[0] = K::eval(x[0], x[1]);
+        else if constexpr (NO == 2) K::eval(x[0], r[0], r[1]);
+        else r[0] = K::eval(x[0]);
+    }
+
+    static orvoStatus fixup(T* const (&in)[NI], T* const (&out)[NO]) {
+        if constexpr (NI == 2) return K::fixup(in[0], in[1], out[0]);
+        else if constexpr (NO == 2) return K::fixup(in[0], out[0], out[1]);
+        else return K::fixup(in[0], out[0]);
+    }
+
+    // One flagged lane: its fixup runs on scratch copies (so an in-place call
+    // is safe); a status is shown to the caller's array and the raiser, and
+    // what the element holds after the raiser returns is what gets stored.
+    __attribute__((noinline, cold)) static void settleLane(T* const (&in)[NI], T* const (&out)[NO],
+                                                           const T* const (&src)[NI], T* const (&dst)[NO],
+                                                           uint32_t index, orvoStatus& kept) {
+        orvoStatus status = fixup(in, out);
+        if constexpr (!kQuiet) {
+            if (status != orvoOk) {
+                for (int o = 0; o < NO; ++o) dst[o][index] = *out[o];
+                raise(status, index, src[0], dst[0], dst[NO - 1]);
+                for (int o = 0; o < NO; ++o) *out[o] = dst[o][index];
+                kept = status;
+            }
+        }
+    }
+
+    __attribute__((noinline)) static void settleBlock(unsigned mask, const V (&x)[NI][kVectors],
+                                                      const V (&r)[NO][kVectors], const T* const (&src)[NI],
+                                                      T* const (&dst)[NO], uint32_t start, orvoStatus& kept) {
+        alignas(64) T scratchIn[NI][kBlock];
+        alignas(64) T scratchOut[NO][kBlock];
+        for (int a = 0; a < NI; ++a)
+            for (int v = 0; v < kVectors; ++v) simd::store(&scratchIn[a][v * kLanes], x[a][v]);
+        for (int o = 0; o < NO; ++o)
+            for (int v = 0; v < kVectors; ++v) simd::store(&scratchOut[o][v * kLanes], r[o][v]);
+        for (int lane = 0; lane < kBlock; ++lane) {
+            if (!(mask >> lane & 1u)) continue;
+            T* in[NI];
+            T* out[NO];
+            for (int a = 0; a < NI; ++a) in[a] = &scratchIn[a][lane];
+            for (int o = 0; o < NO; ++o) out[o] = &scratchOut[o][lane];
+            settleLane(in, out, src, dst, start + lane, kept);
+        }
+        for (int o = 0; o < NO; ++o)
+            for (int v = 0; v < kVectors; ++v)
+                simd::store(dst[o] + start + v * kLanes, simd::load<V>(&scratchOut[o][v * kLanes]));
+    }
+
+    static auto vectorMask(const V (&x)[NI][kVectors], int v) {
+        V xv[NI];
+        for (int a = 0; a < NI; ++a) xv[a] = x[a][v];
+        return laneMask(xv);
+    }
+
+    static unsigned blockMask(const V (&x)[NI][kVectors]) {
+        if constexpr (std::is_same_v<T, float> && kVectors == 2) {
+            return simd::laneBits16(vectorMask(x, 0), vectorMask(x, 1));
+        } else {
+            unsigned mask = 0;
+            for (int v = 0; v < kVectors; ++v) mask |= simd::laneBits(vectorMask(x, v)) << (v * kLanes);
+            return mask;
+        }
+    }
+
+    static orvoStatus run(const T* const (&src)[NI], T* const (&dst)[NO], int len) {
+        orvoStatus kept = orvoOk;
+        const int full = len & ~(kBlock - 1);
+        for (int i = 0; i < full; i += kBlock) {
+            V x[NI][kVectors];
+            V r[NO][kVectors];
+            for (int a = 0; a < NI; ++a)
+                for (int v = 0; v < kVectors; ++v) x[a][v] = simd::load<V>(src[a] + i + v * kLanes);
+            const unsigned mask = blockMask(x);
+            for (int v = 0; v < kVectors; ++v) {
+                V xv[NI], rv[NO];
+                for (int a = 0; a < NI; ++a) xv[a] = x[a][v];
+                evaluate(xv, rv);
+                for (int o = 0; o < NO; ++o) r[o][v] = rv[o];
+            }
+            if (__builtin_expect(mask != 0, 0)) {
+                settleBlock(mask, x, r, src, dst, static_cast<uint32_t>(i), kept);
+                continue;
+            }
+            for (int o = 0; o < NO; ++o)
+                for (int v = 0; v < kVectors; ++v) simd::store(dst[o] + i + v * kLanes, r[o][v]);
+        }
+        // The tail: one element at a time through the same formula text.
+        for (int i = full; i < len; ++i) {
+            T x[NI], r[NO];
+            for (int a = 0; a < NI; ++a) x[a] = src[a][i];
+            const bool special = laneMask(x);
+            evaluate(x, r);
+            if (__builtin_expect(special, 0)) {
+                T* in[NI];
+                T* out[NO];
+                for (int a = 0; a < NI; ++a) in[a] = &x[a];
+                for (int o = 0; o < NO; ++o) out[o] = &r[o];
+                settleLane(in, out, src, dst, static_cast<uint32_t>(i), kept);
+            }
+            for (int o = 0; o < NO; ++o) dst[o][i] = r[o];
+        }
+        return kept;
+    }
+};
+
+// Entry points by shape, after the length-first argument checks.
+template <class K> inline orvoStatus runBlocked(const typename K::T* src, typename K::T* dst, int len) {
+    if (orvoStatus s = checkLengthFirst(len, src, dst)) return s;
+    return BlockedKernel<K, 1, 1>::run({src}, {dst}, len);
+}
+template <class K>
+inline orvoStatus runBlocked(const typename K::T* src1, const typename K::T* src2, typename K::T* dst, int len) {
+    if (orvoStatus s = checkLengthFirst(len, src1, src2, dst)) return s;
+    return BlockedKernel<K, 2, 1>::run({src1, src2}, {dst}, len);
+}
+template <class K>
+inline orvoStatus runBlockedPair(const typename K::T* src, typename K::T* dst1, typename K::T* dst2, int len) {
+    if (orvoStatus s = checkLengthFirst(len, src, dst1, dst2)) return s;
+    return BlockedKernel<K, 1, 2>::run({src}, {dst1, dst2}, len);
+}
+
+}  // namespace orvo

@@ -219,4 +219,25 @@ inline unsigned laneBits16(i32x8 a, i32x8 b) {
     return static_cast<unsigned>(_mm_movemask_epi8(bytes));
 }
 
+// ---- binary32 values carried in the low words of 64-bit lanes ----------
+// Kernels of binary64 that take the single-precision estimate of a surrogate
+// build the surrogate's pattern in the low word of each 64-bit lane; these
+// move such words into binary32 lanes and back (zero-extended).
+inline uint32_t lowWords(uint64_t b) { return static_cast<uint32_t>(b); }
+inline u32x4 lowWords(u64x4 b) { return __builtin_convertvector(b, u32x4); }
+inline u32x4 lowWords(u64x2 b) {
+    const u32x4 w = std::bit_cast<u32x4>(b);
+    return __builtin_shufflevector(w, u32x4{}, 0, 2, 4, 4);
+}
+inline uint64_t zeroExtendWords(uint32_t w) { return w; }
+inline u64x2 zeroExtendWords(u32x4 w) { return __builtin_convertvector(__builtin_shufflevector(w, w, 0, 1), u64x2); }
+
+// ---- polynomials ----------------------------------------------------------
+// Horner's rule, coefficients given as bit patterns, highest degree first.
+template <class V, size_t N> inline V horner(const uint64_t (&c)[N], V t) {
+    V p = constant<V>(c[0]);
+    for (size_t i = 1; i < N; ++i) p = p * t + constant<V>(c[i]);
+    return p;
+}
+
 }  // namespace orvo::simd

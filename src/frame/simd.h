@@ -129,9 +129,15 @@ template <class V, class I> inline V gather(const ElemOf<V>* table, I index) {
 template <class I> inline auto gtSigned(I bits, int64_t threshold) {
     if constexpr (std::is_same_v<I, uint32_t>) return static_cast<int32_t>(bits) > static_cast<int32_t>(threshold);
     else if constexpr (std::is_same_v<I, uint64_t>) return static_cast<int64_t>(bits) > threshold;
-    else if constexpr (sizeof(LaneOf<I>) == 4) {
-        using Signed = std::conditional_t<sizeof(I) == 32, i32x8, i32x4>;
-        return (Signed)bits > static_cast<int32_t>(threshold);
+    else if constexpr (sizeof(LaneOf<I>) == 4 && sizeof(I) == 32) {
+        // Two 128-bit compares: without AVX2 the compiler would otherwise
+        // compare the eight lanes one by one.
+        const i32x8 s = (i32x8)bits;
+        const i32x4 low = __builtin_shufflevector(s, s, 0, 1, 2, 3) > static_cast<int32_t>(threshold);
+        const i32x4 high = __builtin_shufflevector(s, s, 4, 5, 6, 7) > static_cast<int32_t>(threshold);
+        return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+    } else if constexpr (sizeof(LaneOf<I>) == 4) {
+        return (i32x4)bits > static_cast<int32_t>(threshold);
     } else {
         using Signed = std::conditional_t<sizeof(I) == 32, i64x4, i64x2>;
         return (Signed)bits > threshold;
@@ -230,7 +236,7 @@ inline u32x4 lowWords(u64x2 b) {
     return __builtin_shufflevector(w, u32x4{}, 0, 2, 4, 4);
 }
 inline uint64_t zeroExtendWords(uint32_t w) { return w; }
-inline u64x2 zeroExtendWords(u32x4 w) { return __builtin_convertvector(__builtin_shufflevector(w, w, 0, 1), u64x2); }
+inline u64x2 zeroExtendWords(u32x4 w) { return std::bit_cast<u64x2>(__builtin_shufflevector(w, u32x4{}, 0, 4, 1, 4)); }
 
 // ---- polynomials ----------------------------------------------------------
 // Horner's rule, coefficients given as bit patterns, highest degree first.

@@ -101,8 +101,11 @@ TEST(SqrtAccuracy, EveryLevelHoldsOnThisProcessorsEstimate) {
 }
 
 TEST(SqrtAccuracy, Binary32LevelsHoldForTheWorstEstimates) {
+    std::vector<uint32_t> patterns;
+    for (uint32_t b = 0x3F800000; b < 0x40800000; b += 29) patterns.push_back(b);
+    for (uint32_t b = 0x7F7FF000; b <= 0x7F7FFFFF; ++b) patterns.push_back(b);  // g1*g1 near overflow
     double worst[6] = {};
-    for (uint32_t b = 0x3F800000; b < 0x40800000; b += 29) {
+    for (uint32_t b : patterns) {
         const float x = std::bit_cast<float>(b);
         const double rho = 1 / std::sqrt(static_cast<double>(x));
         const long double root = std::sqrt(static_cast<long double>(x));
@@ -110,6 +113,7 @@ TEST(SqrtAccuracy, Binary32LevelsHoldForTheWorstEstimates) {
             worst[0] = std::max(worst[0], ulpError(arith::Sqrt32f<SqrtLevel::A11>::fromEstimate(x, r), root));
             worst[1] = std::max(worst[1], ulpError(arith::Sqrt32f<SqrtLevel::A21>::fromEstimate(x, r), root));
             worst[2] = std::max(worst[2], ulpError(arith::Sqrt32f<SqrtLevel::A24>::fromEstimate(x, r), root));
+            if (arith::InvSqrt32fNewton<InvSqrtLevel::A11>::special(b)) continue;  // the careful block's
             worst[3] = std::max(worst[3], ulpError(arith::InvSqrt32fNewton<InvSqrtLevel::A11>::fromEstimate(x, r), 1 / root));
             worst[4] = std::max(worst[4], ulpError(arith::InvSqrt32fNewton<InvSqrtLevel::A21>::fromEstimate(x, r), 1 / root));
             worst[5] = std::max(worst[5], ulpError(arith::InvSqrt32fPoly::fromEstimate(x, r), 1 / root));
@@ -128,8 +132,10 @@ TEST(SqrtAccuracy, Binary32LevelsHoldForTheWorstEstimates) {
 TEST(SqrtAccuracy, Binary64LevelsHoldForTheWorstEstimates) {
     double worst[6] = {};
     std::mt19937_64 random(53);
-    for (int i = 0; i < 60000; ++i) {
-        const uint64_t b = (random() & 0x000FFFFFFFFFFFFF) | static_cast<uint64_t>(1022 + i % 4) << 52;
+    for (int i = 0; i < 80000; ++i) {
+        const uint64_t exponent = i % 8 == 7 ? 2046 : 1022 + i % 4;  // and the top binade
+        const uint64_t b = (random() & 0x000FFFFFFFFFFFFF) | exponent << 52;
+        const uint32_t hi = static_cast<uint32_t>(b >> 32);
         const double x = std::bit_cast<double>(b);
         const float f = std::bit_cast<float>(static_cast<uint32_t>(arith::Sqrt64f<SqrtLevel::A53>::surrogate(b)));
         ASSERT_EQ(static_cast<uint32_t>(arith::InvSqrt64f<InvSqrtLevel::A53>::surrogate(b)), std::bit_cast<uint32_t>(f));
@@ -137,8 +143,10 @@ TEST(SqrtAccuracy, Binary64LevelsHoldForTheWorstEstimates) {
         for (float r : worstEstimates(1 / std::sqrt(static_cast<double>(f)))) {
             const double r32 = r;
             const uint64_t y = std::bit_cast<uint32_t>(r);
-            worst[0] = std::max(worst[0], ulpError(arith::Sqrt64f<SqrtLevel::A26>::fromEstimate(x, r32), root));
-            worst[1] = std::max(worst[1], ulpError(arith::Sqrt64f<SqrtLevel::A50>::fromEstimate(x, r32), root));
+            if (!arith::Sqrt64f<SqrtLevel::A26>::special(hi)) {  // else the scalar path's
+                worst[0] = std::max(worst[0], ulpError(arith::Sqrt64f<SqrtLevel::A26>::fromEstimate(x, r32), root));
+                worst[1] = std::max(worst[1], ulpError(arith::Sqrt64f<SqrtLevel::A50>::fromEstimate(x, r32), root));
+            }
             worst[2] = std::max(worst[2], ulpError(arith::Sqrt64f<SqrtLevel::A53>::fromEstimate(x, r32), root));
             worst[3] = std::max(worst[3], ulpError(arith::InvSqrt64f<InvSqrtLevel::A26>::fromEstimate(x, y), 1 / root));
             worst[4] = std::max(worst[4], ulpError(arith::InvSqrt64f<InvSqrtLevel::A50>::fromEstimate(x, y), 1 / root));

@@ -22,11 +22,11 @@ using namespace orvo::simd;
 enum class SqrtLevel { A11, A21, A24, A26, A50, A53 };
 
 // ---- the scalar path ------------------------------------------------------
-// In binary64 for both types, the same in design for every level: the
-// estimate from a 12-bit table, three Goldschmidt rounds for sqrt(m) and
-// 1/(2 sqrt(m)) together, then one Newton correction with the residual
-// m - g*g formed exactly by Dekker's split.  Full accuracy everywhere, so a
-// lane the mask only suspects comes out right too.
+// In binary64 for both types, the same for every level: the estimate from
+// a 12-bit table, three Goldschmidt rounds for sqrt(m) and 1/(2 sqrt(m))
+// together, then one Newton correction with the residual m - g*g formed
+// exactly by Dekker's split.  Full accuracy everywhere, so a lane the mask
+// only suspects comes out right too.
 
 inline constexpr uint64_t kSqrtDefaultNaN = 0xFFF8000000000000;  // the NaN of 0.0/0.0
 inline constexpr double kSqrtSurrogateScale[2] = {1.0, 2.0};     // S[p]

@@ -220,3 +220,14 @@ inline unsigned laneBits16(i32x8 a, i32x8 b) {
 }
 
 }  // namespace orvo::simd
+
+namespace orvo::simd {
+
+// 128-bit halves of eight 32-bit lanes.  The target has no 256-bit integer
+// instructions, and a signed compare of eight lanes left to the compiler is
+// done lane by lane; a mask test written on the halves stays in vectors.
+inline u32x4 lowHalf(u32x8 v) { return __builtin_shufflevector(v, v, 0, 1, 2, 3); }
+inline u32x4 highHalf(u32x8 v) { return __builtin_shufflevector(v, v, 4, 5, 6, 7); }
+inline i32x8 joinHalves(i32x4 lo, i32x4 hi) { return __builtin_shufflevector(lo, hi, 0, 1, 2, 3, 4, 5, 6, 7); }
+
+}  // namespace orvo::simd

@@ -145,8 +145,8 @@ TEST(InvDiv, BatchedGroupsOfFour) {
 }
 
 // The tail's one-element form is the block formula with four equal partners;
-// A26 and A50 are one code.
-TEST(InvDiv, BatchedTailAndSharedCode) {
+// A26 and A50 are one code; in place, the batched walk gives the same bits.
+TEST(InvDiv, BatchedTailSharedCodeAndInPlace) {
     std::mt19937_64 g(9);
     for (int trial = 0; trial < 100; ++trial) {
         std::vector<double> x(17, ordinaryValue<double>(g)), r(17);
@@ -161,6 +161,10 @@ TEST(InvDiv, BatchedTailAndSharedCode) {
     }
     EXPECT_EQ(orvoInv_64f_A26(y.data(), r26.data(), len), orvoInv_64f_A50(y.data(), r50.data(), len));
     EXPECT_EQ(std::memcmp(r26.data(), r50.data(), len * sizeof(double)), 0);
-    EXPECT_EQ(orvoDiv_64f_A26(a.data(), y.data(), r26.data(), len), orvoDiv_64f_A50(a.data(), y.data(), r50.data(), len));
+    y[999] = 0;
+    const orvoStatus status = orvoDiv_64f_A50(a.data(), y.data(), r50.data(), len);
+    EXPECT_EQ(orvoDiv_64f_A26(a.data(), y.data(), r26.data(), len), status);
     EXPECT_EQ(std::memcmp(r26.data(), r50.data(), len * sizeof(double)), 0);
+    EXPECT_EQ(orvoDiv_64f_A50(a.data(), y.data(), y.data(), len), status);
+    EXPECT_EQ(std::memcmp(y.data(), r50.data(), len * sizeof(double)), 0);
 }

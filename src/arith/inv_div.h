@@ -203,6 +203,7 @@ template <class K, int NI> struct BatchedKernel {
         const int full = len & ~15;
         for (int i = 0; i < full; i += 16) {
             f64x4 x[NI][4], r[1][4];
+#pragma GCC unroll 2
             for (int a = 0; a < NI; ++a)
 #pragma GCC unroll 4
                 for (int v = 0; v < 4; ++v) x[a][v] = load<f64x4>(src[a] + i + 4 * v);

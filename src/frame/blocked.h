@@ -15,11 +15,15 @@
 //       the SpecialMask test on the input patterns (binary64: high words);
 //   static orvoStatus fixup(const T* in, [const T* in2,] T* out [, T* out2])
 //       the ScalarFixup: the lane's value and status, computed alone.
+// Optional: static void evalBlock(const V (&x)[NI][n], V (&r)[NO][n]) for a
+// family whose block is one formula (lanes not independent); eval is then
+// the one-element form used by the tail.
 // Optional: static constexpr bool kQuiet = true for kernels that report no
 // status and raise no event (their fixups' statuses are ignored).
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "frame/args.h"
 #include "frame/fp_event_raiser.h"
@@ -131,26 +135,50 @@ template <class K, int NI, int NO> struct BlockedKernel {
         }
     }
 
-    static orvoStatus run(const T* const (&src)[NI], T* const (&dst)[NO], int len) {
-        orvoStatus kept = orvoOk;
-        const int full = len & ~(kBlock - 1);
-        for (int i = 0; i < full; i += kBlock) {
-            V x[NI][kVectors];
-            V r[NO][kVectors];
-            for (int a = 0; a < NI; ++a)
-                for (int v = 0; v < kVectors; ++v) x[a][v] = simd::load<V>(src[a] + i + v * kLanes);
-            const unsigned mask = blockMask(x);
+    // The fast formula over a whole block: vector by vector, each lane on its
+    // own, unless the family evaluates a block as one formula (evalBlock).
+    static void evaluateBlock(const V (&x)[NI][kVectors], V (&r)[NO][kVectors]) {
+        if constexpr (requires { K::evalBlock(x, r); }) {
+            K::evalBlock(x, r);
+        } else {
+#pragma GCC unroll 4
             for (int v = 0; v < kVectors; ++v) {
                 V xv[NI], rv[NO];
                 for (int a = 0; a < NI; ++a) xv[a] = x[a][v];
                 evaluate(xv, rv);
                 for (int o = 0; o < NO; ++o) r[o][v] = rv[o];
             }
+        }
+    }
+
+    static orvoStatus run(const T* const (&srcArrays)[NI], T* const (&dstArrays)[NO], int len) {
+        // Local copies: stores to dst can't then be thought to move the
+        // pointers, which would reload them on every block.
+        const T* src[NI];
+        T* dst[NO];
+        for (int a = 0; a < NI; ++a) src[a] = srcArrays[a];
+        for (int o = 0; o < NO; ++o) dst[o] = dstArrays[o];
+        orvoStatus kept = orvoOk;
+        const int full = len & ~(kBlock - 1);
+        for (int i = 0; i < full; i += kBlock) {
+            V x[NI][kVectors];
+            V r[NO][kVectors];
+            for (int a = 0; a < NI; ++a)
+#pragma GCC unroll 4
+                for (int v = 0; v < kVectors; ++v) x[a][v] = simd::load<V>(src[a] + i + v * kLanes);
+            const unsigned mask = blockMask(x);
+            evaluateBlock(x, r);
             if (__builtin_expect(mask != 0, 0)) {
-                settleBlock(mask, x, r, src, dst, static_cast<uint32_t>(i), kept);
+                // The settling walk gets copies, so the fast path's vectors
+                // never have their address taken and stay in registers.
+                V xs[NI][kVectors], rs[NO][kVectors];
+                std::memcpy(xs, x, sizeof xs);
+                std::memcpy(rs, r, sizeof rs);
+                settleBlock(mask, xs, rs, src, dst, static_cast<uint32_t>(i), kept);
                 continue;
             }
             for (int o = 0; o < NO; ++o)
+#pragma GCC unroll 4
                 for (int v = 0; v < kVectors; ++v) simd::store(dst[o] + i + v * kLanes, r[o][v]);
         }
         // The tail: one element at a time through the same formula text.

@@ -9,7 +9,7 @@
 // header.  Built without FMA and with contraction off, nothing fuses.
 //
 // Integer work on bit patterns uses unsigned lanes (wrapping arithmetic);
-// comparisons that the design states as signed go through gtSigned().
+// signed comparisons of patterns go through gtSigned().
 #pragma once
 
 #include <immintrin.h>

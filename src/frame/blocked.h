@@ -121,9 +121,22 @@ template <class K, int NI, int NO> struct BlockedKernel {
         return laneMask(xv);
     }
 
+    // The mask of one 128-bit quarter (four binary32 lanes) of vector v:
+    // integer compares have no 256-bit form on this target.
+    static auto quarterMask(const V (&x)[NI][kVectors], int v, int half) {
+        simd::u32x4 q[NI];
+        for (int a = 0; a < NI; ++a) {
+            const simd::u32x8 b = maskPattern(x[a][v]);
+            q[a] = half ? __builtin_shufflevector(b, b, 4, 5, 6, 7) : __builtin_shufflevector(b, b, 0, 1, 2, 3);
+        }
+        if constexpr (NI == 1) return K::special(q[0]);
+        else return K::special(q[0], q[1]);
+    }
+
     static unsigned blockMask(const V (&x)[NI][kVectors]) {
         if constexpr (std::is_same_v<T, float> && kVectors == 2) {
-            return simd::laneBits16(vectorMask(x, 0), vectorMask(x, 1));
+            return simd::laneBits16(quarterMask(x, 0, 0), quarterMask(x, 0, 1), quarterMask(x, 1, 0),
+                                    quarterMask(x, 1, 1));
         } else {
             unsigned mask = 0;
             for (int v = 0; v < kVectors; ++v) mask |= simd::laneBits(vectorMask(x, v)) << (v * kLanes);
@@ -140,6 +153,9 @@ template <class K, int NI, int NO> struct BlockedKernel {
             for (int a = 0; a < NI; ++a)
                 for (int v = 0; v < kVectors; ++v) x[a][v] = simd::load<V>(src[a] + i + v * kLanes);
             const unsigned mask = blockMask(x);
+            // Unrolled, so that a long formula's block stays in registers
+            // rather than in arrays on the stack.
+#pragma GCC unroll 4
             for (int v = 0; v < kVectors; ++v) {
                 V xv[NI], rv[NO];
                 for (int a = 0; a < NI; ++a) xv[a] = x[a][v];
@@ -147,7 +163,14 @@ template <class K, int NI, int NO> struct BlockedKernel {
                 for (int o = 0; o < NO; ++o) r[o][v] = rv[o];
             }
             if (__builtin_expect(mask != 0, 0)) {
-                settleBlock(mask, x, r, src, dst, static_cast<uint32_t>(i), kept);
+                // Copies made here, so that only this path keeps the block
+                // in memory: the fast path stores its results and nothing else.
+                V xs[NI][kVectors], rs[NO][kVectors];
+                for (int a = 0; a < NI; ++a)
+                    for (int v = 0; v < kVectors; ++v) xs[a][v] = x[a][v];
+                for (int o = 0; o < NO; ++o)
+                    for (int v = 0; v < kVectors; ++v) rs[o][v] = r[o][v];
+                settleBlock(mask, xs, rs, src, dst, static_cast<uint32_t>(i), kept);
                 continue;
             }
             for (int o = 0; o < NO; ++o)

@@ -144,7 +144,14 @@ template <class K, int NI, int NO> struct BlockedKernel {
         }
     }
 
-    static orvoStatus run(const T* const (&src)[NI], T* const (&dst)[NO], int len) {
+    static orvoStatus run(const T* const (&srcArrays)[NI], T* const (&dstArrays)[NO], int len) {
+        // The loops read the array pointers from copies that never escape:
+        // vector stores may alias anything, so pointers that the slow paths
+        // can see would be reloaded after every store.
+        const T* src[NI];
+        T* dst[NO];
+        for (int a = 0; a < NI; ++a) src[a] = srcArrays[a];
+        for (int o = 0; o < NO; ++o) dst[o] = dstArrays[o];
         orvoStatus kept = orvoOk;
         const int full = len & ~(kBlock - 1);
         for (int i = 0; i < full; i += kBlock) {
@@ -170,7 +177,7 @@ template <class K, int NI, int NO> struct BlockedKernel {
                     for (int v = 0; v < kVectors; ++v) xs[a][v] = x[a][v];
                 for (int o = 0; o < NO; ++o)
                     for (int v = 0; v < kVectors; ++v) rs[o][v] = r[o][v];
-                settleBlock(mask, xs, rs, src, dst, static_cast<uint32_t>(i), kept);
+                settleBlock(mask, xs, rs, srcArrays, dstArrays, static_cast<uint32_t>(i), kept);
                 continue;
             }
             for (int o = 0; o < NO; ++o)
@@ -187,7 +194,7 @@ template <class K, int NI, int NO> struct BlockedKernel {
                 T* out[NO];
                 for (int a = 0; a < NI; ++a) in[a] = &x[a];
                 for (int o = 0; o < NO; ++o) out[o] = &r[o];
-                settleLane(in, out, src, dst, static_cast<uint32_t>(i), kept);
+                settleLane(in, out, srcArrays, dstArrays, static_cast<uint32_t>(i), kept);
             }
             for (int o = 0; o < NO; ++o) dst[o][i] = r[o];
         }

@@ -236,9 +236,10 @@ template <class V, class I> inline void gatherPair(const ElemOf<V>* rows, I inde
         hi = rows[2 * index];
         lo = rows[2 * index + 1];
     } else if constexpr (std::is_same_v<V, f32x8>) {
+        auto row = [&](int i) { return rows + 2 * static_cast<size_t>(index[i]); };
         auto twoRows = [&](int i) {
-            const __m128 first = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(rows + 2 * index[i]));
-            return _mm_loadh_pi(first, reinterpret_cast<const __m64*>(rows + 2 * index[i + 1]));
+            const __m128 first = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(row(i)));
+            return _mm_loadh_pi(first, reinterpret_cast<const __m64*>(row(i + 1)));
         };
         const __m256 a = _mm256_insertf128_ps(_mm256_castps128_ps256(twoRows(0)), twoRows(4), 1);
         const __m256 b = _mm256_insertf128_ps(_mm256_castps128_ps256(twoRows(2)), twoRows(6), 1);
@@ -246,8 +247,9 @@ template <class V, class I> inline void gatherPair(const ElemOf<V>* rows, I inde
         lo = (f32x8)_mm256_shuffle_ps(a, b, 0xDD);
     } else {
         static_assert(std::is_same_v<V, f64x4>);
+        auto row = [&](int i) { return rows + 2 * static_cast<size_t>(index[i]); };
         auto twoRows = [&](int i, int j) {
-            return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(rows + 2 * index[i])), _mm_loadu_pd(rows + 2 * index[j]), 1);
+            return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(row(i))), _mm_loadu_pd(row(j)), 1);
         };
         const __m256d a = twoRows(0, 2), b = twoRows(1, 3);
         hi = (f64x4)_mm256_unpacklo_pd(a, b);

@@ -12,7 +12,8 @@
 //       the fast formula, run on f32x8/f64x4 in blocks and on float/double
 //       in the tail: one text, so both paths give the same bits;
 //   template <class I> static auto special(I bits [, I bits2])
-//       the SpecialMask test on the input patterns (binary64: high words);
+//       the SpecialMask test on the input patterns (binary64: high words),
+//       run on u32x4 pieces of four lanes in blocks and on uint32_t in the tail;
 //   static orvoStatus fixup(const T* in, [const T* in2,] T* out [, T* out2])
 //       the ScalarFixup: the lane's value and status, computed alone.
 // Optional: static constexpr bool kQuiet = true for kernels that report no
@@ -32,11 +33,9 @@ template <> struct BlockVector<float> { using type = simd::f32x8; };
 template <> struct BlockVector<double> { using type = simd::f64x4; };
 
 // The pattern that a SpecialMask inspects: all 32 bits of a binary32 lane,
-// the high word of a binary64 lane.
+// the high word of a binary64 lane (blocks: see patterns() below).
 inline uint32_t maskPattern(float x) { return simd::asBits(x); }
-inline simd::u32x8 maskPattern(simd::f32x8 x) { return simd::asBits(x); }
 inline uint32_t maskPattern(double x) { return simd::highWords(x); }
-inline simd::u32x4 maskPattern(simd::f64x4 x) { return simd::highWords(x); }
 
 template <class K, int NI, int NO> struct BlockedKernel {
     using T = typename K::T;
@@ -115,31 +114,30 @@ template <class K, int NI, int NO> struct BlockedKernel {
                 simd::store(dst[o] + start + v * kLanes, simd::load<V>(&scratchOut[o][v * kLanes]));
     }
 
-    static auto vectorMask(const V (&x)[NI][kVectors], int v) {
-        V xv[NI];
-        for (int a = 0; a < NI; ++a) xv[a] = x[a][v];
-        return laneMask(xv);
-    }
-
-    // The mask of one 128-bit quarter (four binary32 lanes) of vector v:
-    // integer compares have no 256-bit form on this target.
-    static auto quarterMask(const V (&x)[NI][kVectors], int v, int half) {
-        simd::u32x4 q[NI];
-        for (int a = 0; a < NI; ++a) {
-            const simd::u32x8 b = maskPattern(x[a][v]);
-            q[a] = half ? __builtin_shufflevector(b, b, 4, 5, 6, 7) : __builtin_shufflevector(b, b, 0, 1, 2, 3);
+    // The SpecialMask is built from the block's memory in 128-bit pieces of
+    // four 32-bit patterns: integer compares have no 256-bit form on this
+    // target, and loading the pieces is cheaper than taking the vectors apart.
+    static simd::u32x4 patterns(const T* p) {
+        if constexpr (std::is_same_v<T, float>) {
+            return simd::asBits(simd::load<simd::f32x4>(p));
+        } else {
+            const __m128 low = _mm_castpd_ps(_mm_loadu_pd(p)), high = _mm_castpd_ps(_mm_loadu_pd(p + 2));
+            return (simd::u32x4)_mm_castps_si128(_mm_shuffle_ps(low, high, 0xDD));  // the high words
         }
-        if constexpr (NI == 1) return K::special(q[0]);
-        else return K::special(q[0], q[1]);
     }
 
-    static unsigned blockMask(const V (&x)[NI][kVectors]) {
-        if constexpr (std::is_same_v<T, float> && kVectors == 2) {
-            return simd::laneBits16(quarterMask(x, 0, 0), quarterMask(x, 0, 1), quarterMask(x, 1, 0),
-                                    quarterMask(x, 1, 1));
+    static auto pieceMask(const T* const (&src)[NI], int at) {
+        if constexpr (NI == 1) return K::special(patterns(src[0] + at));
+        else return K::special(patterns(src[0] + at), patterns(src[1] + at));
+    }
+
+    static unsigned blockMask(const T* const (&src)[NI], int i) {
+        if constexpr (kBlock == 16) {
+            return simd::laneBits16(pieceMask(src, i), pieceMask(src, i + 4), pieceMask(src, i + 8),
+                                    pieceMask(src, i + 12));
         } else {
             unsigned mask = 0;
-            for (int v = 0; v < kVectors; ++v) mask |= simd::laneBits(vectorMask(x, v)) << (v * kLanes);
+            for (int at = 0; at < kBlock; at += 4) mask |= simd::laneBits(pieceMask(src, i + at)) << at;
             return mask;
         }
     }
@@ -159,7 +157,7 @@ template <class K, int NI, int NO> struct BlockedKernel {
             V r[NO][kVectors];
             for (int a = 0; a < NI; ++a)
                 for (int v = 0; v < kVectors; ++v) x[a][v] = simd::load<V>(src[a] + i + v * kLanes);
-            const unsigned mask = blockMask(x);
+            const unsigned mask = blockMask(src, i);
             // Unrolled, so that a long formula's block stays in registers
             // rather than in arrays on the stack.
 #pragma GCC unroll 4

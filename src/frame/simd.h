@@ -129,12 +129,12 @@ template <class V, class I> inline V gather(const ElemOf<V>* table, I index) {
 template <class I> inline auto gtSigned(I bits, int64_t threshold) {
     if constexpr (std::is_same_v<I, uint32_t>) return static_cast<int32_t>(bits) > static_cast<int32_t>(threshold);
     else if constexpr (std::is_same_v<I, uint64_t>) return static_cast<int64_t>(bits) > threshold;
-    else if constexpr (sizeof(I) == 32 && sizeof(LaneOf<I>) == 4) {
-        // Without 256-bit integer compares GCC would split this one into
-        // eight scalar compares; two 128-bit halves are two instructions.
-        const i32x4 t = i32x4{} + static_cast<int32_t>(threshold);
-        const i32x4 low = (i32x4)__builtin_shufflevector(bits, bits, 0, 1, 2, 3) > t;
-        const i32x4 high = (i32x4)__builtin_shufflevector(bits, bits, 4, 5, 6, 7) > t;
+    else if constexpr (sizeof(LaneOf<I>) == 4 && sizeof(I) == 32) {
+        // Two 128-bit compares: without AVX2 the compiler would otherwise
+        // compare the eight lanes one by one.
+        const i32x8 s = (i32x8)bits;
+        const i32x4 low = __builtin_shufflevector(s, s, 0, 1, 2, 3) > static_cast<int32_t>(threshold);
+        const i32x4 high = __builtin_shufflevector(s, s, 4, 5, 6, 7) > static_cast<int32_t>(threshold);
         return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
     } else if constexpr (sizeof(LaneOf<I>) == 4) {
         return (i32x4)bits > static_cast<int32_t>(threshold);
@@ -225,10 +225,6 @@ inline unsigned laneBits16(i32x8 a, i32x8 b) {
                       __builtin_shufflevector(b, b, 0, 1, 2, 3), __builtin_shufflevector(b, b, 4, 5, 6, 7));
 }
 
-}  // namespace orvo::simd
-
-namespace orvo::simd {
-
 // Table look-up of (hi, lo) rows stored side by side: one 64-bit (binary32)
 // or 128-bit (binary64) load per lane, then the two columns pulled apart.
 template <class V, class I> inline void gatherPair(const ElemOf<V>* rows, I index, V& hi, V& lo) {
@@ -255,6 +251,27 @@ template <class V, class I> inline void gatherPair(const ElemOf<V>* rows, I inde
         hi = (f64x4)_mm256_unpacklo_pd(a, b);
         lo = (f64x4)_mm256_unpackhi_pd(a, b);
     }
+}
+
+// ---- binary32 values carried in the low words of 64-bit lanes ----------
+// Kernels of binary64 that take the single-precision estimate of a surrogate
+// build the surrogate's pattern in the low word of each 64-bit lane; these
+// move such words into binary32 lanes and back (zero-extended).
+inline uint32_t lowWords(uint64_t b) { return static_cast<uint32_t>(b); }
+inline u32x4 lowWords(u64x4 b) { return __builtin_convertvector(b, u32x4); }
+inline u32x4 lowWords(u64x2 b) {
+    const u32x4 w = std::bit_cast<u32x4>(b);
+    return __builtin_shufflevector(w, u32x4{}, 0, 2, 4, 4);
+}
+inline uint64_t zeroExtendWords(uint32_t w) { return w; }
+inline u64x2 zeroExtendWords(u32x4 w) { return std::bit_cast<u64x2>(__builtin_shufflevector(w, u32x4{}, 0, 4, 1, 4)); }
+
+// ---- polynomials ----------------------------------------------------------
+// Horner's rule, coefficients given as bit patterns, highest degree first.
+template <class V, size_t N> inline V horner(const uint64_t (&c)[N], V t) {
+    V p = constant<V>(c[0]);
+    for (size_t i = 1; i < N; ++i) p = p * t + constant<V>(c[i]);
+    return p;
 }
 
 }  // namespace orvo::simd

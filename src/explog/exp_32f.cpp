@@ -42,9 +42,7 @@ struct ExpA11 : ExpBinary32 {
         const V s = y + roundingMagic<V>();
         const V k = s - roundingMagic<V>();
         const V f = y - k;
-        V p = constant<V>(0x3D61FBCC) * f + constant<V>(0x3E786F13);
-        p = p * f + constant<V>(0x3F31798D);
-        p = p * f + constant<V>(0x3F7FFB49);
+        const V p = horner({0x3D61FBCC, 0x3E786F13, 0x3F31798D, 0x3F7FFB49}, f);
         // Only the low 9 bits of s survive the shift: enough for every k the
         // mask lets through.
         return asFloat(asBits(p) + (asBits(s) << 23));

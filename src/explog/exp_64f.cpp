@@ -73,10 +73,8 @@ struct ExpA53 : ExpBinary64 {
         const V s = x * constant<V>(0x40571547652B82FE) + roundingMagic<V>();  // 64/ln2
         const V k = s - roundingMagic<V>();
         const V r = (x - k * constant<V>(0x3F862E42FEFA0000)) - k * constant<V>(0x3D1CF79ABC9E3B3A);
-        V p = constant<V>(0x3F8111112D9F549B) * r + constant<V>(0x3FA555573F218B93);
-        p = p * r + constant<V>(0x3FC555555555653E);
-        p = p * r + constant<V>(0x3FDFFFFFFFFFDB3B);
-        p = p * (r * r) + r;
+        const V c = horner({0x3F8111112D9F549B, 0x3FA555573F218B93, 0x3FC555555555653E, 0x3FDFFFFFFFFFDB3B}, r);
+        const V p = c * (r * r) + r;
         const auto sBits = asBits(s);
         V hi, lo;
         gatherPair<V>(&ExpTable64Abs[0][0], sBits & 0x3Fu, hi, lo);

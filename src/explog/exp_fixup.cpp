@@ -98,10 +98,8 @@ template <class T> orvoStatus expFixup(const T* in, T* out) {
                                            : (xd - k * ln2By64High) - k * ln2By64Low;
 
     // exp(r) - 1 = r + r^2 (1/2 + d3 r + d4 r^2 + d5 r^3 + d6 r^4).
-    double q = constant<double>(0x3F56C16A1C2A3FFD) * r + constant<double>(0x3F8111123AAF20D3);
-    q = q * r + constant<double>(0x3FA5555555558FCC);
-    q = q * r + constant<double>(0x3FC55555555548F8);
-    q = q * r + 0.5;
+    const double q = simd::horner({0x3F56C16A1C2A3FFD, 0x3F8111123AAF20D3, 0x3FA5555555558FCC, 0x3FC55555555548F8,
+                                   0x3FE0000000000000 /* 1/2 */}, r);
     const double p = (q * r) * r + r;
 
     const uint64_t sBits = asBits(s);

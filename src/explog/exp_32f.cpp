@@ -1,4 +1,4 @@
-// exp on binary32 at three levels, each its own design: A11 a cubic in the
+// exp on binary32 at three levels, each built its own way: A11 a cubic in the
 // base-2 fraction with no table, A21 a 512-entry table and a first-degree
 // correction, A24 a 128-entry table of pairs and a quadratic.  Every lane
 // runs the formula; the mask sends |x| > ~87.34 (where the result could

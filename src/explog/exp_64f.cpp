@@ -1,4 +1,4 @@
-// exp on binary64 at three levels, each its own design: A26 a 64-entry
+// exp on binary64 at three levels, each built its own way: A26 a 64-entry
 // table whose entries carry the exponent and the reciprocal of a quadratic's
 // constant term, A50 a 1024-entry scaled table and a cubic, A53 a 64-entry
 // table of pairs and a degree-5 polynomial.  The masks test high words only.

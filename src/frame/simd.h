@@ -216,13 +216,41 @@ inline unsigned laneBits(i64x4 m) { return static_cast<unsigned>(_mm256_movemask
 // Sixteen 32-bit lane masks in four 128-bit quarters narrowed by saturating
 // packs to one byte per lane, then one byte-sign extraction: the mask word
 // of a 16-element binary32 block without any 256-bit integer instruction.
-inline unsigned laneBits16(i32x8 a, i32x8 b) {
-    __m128i qa0 = (__m128i)__builtin_shufflevector(a, a, 0, 1, 2, 3);
-    __m128i qa1 = (__m128i)__builtin_shufflevector(a, a, 4, 5, 6, 7);
-    __m128i qb0 = (__m128i)__builtin_shufflevector(b, b, 0, 1, 2, 3);
-    __m128i qb1 = (__m128i)__builtin_shufflevector(b, b, 4, 5, 6, 7);
-    __m128i bytes = _mm_packs_epi16(_mm_packs_epi32(qa0, qa1), _mm_packs_epi32(qb0, qb1));
+inline unsigned laneBits16(i32x4 qa0, i32x4 qa1, i32x4 qb0, i32x4 qb1) {
+    __m128i bytes = _mm_packs_epi16(_mm_packs_epi32((__m128i)qa0, (__m128i)qa1), _mm_packs_epi32((__m128i)qb0, (__m128i)qb1));
     return static_cast<unsigned>(_mm_movemask_epi8(bytes));
+}
+inline unsigned laneBits16(i32x8 a, i32x8 b) {
+    return laneBits16(__builtin_shufflevector(a, a, 0, 1, 2, 3), __builtin_shufflevector(a, a, 4, 5, 6, 7),
+                      __builtin_shufflevector(b, b, 0, 1, 2, 3), __builtin_shufflevector(b, b, 4, 5, 6, 7));
+}
+
+// Table look-up of (hi, lo) rows stored side by side: one 64-bit (binary32)
+// or 128-bit (binary64) load per lane, then the two columns pulled apart.
+template <class V, class I> inline void gatherPair(const ElemOf<V>* rows, I index, V& hi, V& lo) {
+    if constexpr (kIsScalar<V>) {
+        hi = rows[2 * index];
+        lo = rows[2 * index + 1];
+    } else if constexpr (std::is_same_v<V, f32x8>) {
+        auto row = [&](int i) { return rows + 2 * static_cast<size_t>(index[i]); };
+        auto twoRows = [&](int i) {
+            const __m128 first = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(row(i)));
+            return _mm_loadh_pi(first, reinterpret_cast<const __m64*>(row(i + 1)));
+        };
+        const __m256 a = _mm256_insertf128_ps(_mm256_castps128_ps256(twoRows(0)), twoRows(4), 1);
+        const __m256 b = _mm256_insertf128_ps(_mm256_castps128_ps256(twoRows(2)), twoRows(6), 1);
+        hi = (f32x8)_mm256_shuffle_ps(a, b, 0x88);
+        lo = (f32x8)_mm256_shuffle_ps(a, b, 0xDD);
+    } else {
+        static_assert(std::is_same_v<V, f64x4>);
+        auto row = [&](int i) { return rows + 2 * static_cast<size_t>(index[i]); };
+        auto twoRows = [&](int i, int j) {
+            return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(row(i))), _mm_loadu_pd(row(j)), 1);
+        };
+        const __m256d a = twoRows(0, 2), b = twoRows(1, 3);
+        hi = (f64x4)_mm256_unpacklo_pd(a, b);
+        lo = (f64x4)_mm256_unpackhi_pd(a, b);
+    }
 }
 
 // ---- binary32 values carried in the low words of 64-bit lanes ----------

@@ -186,7 +186,9 @@ std::string format(const char* f, double v) {
 std::string promise(const CatalogueEntry& e) {
     if (!*e.level) return "exact";
     const oracle::Format f = realBytes(e.type) == 4 ? oracle::kBinary32 : oracle::kBinary64;
-    return std::string(e.level + 1) + " bits (" + format("%.6g", oracle::levelBound(e.level, f)) + " ulp)";
+    const double bound = oracle::levelBound(e.level, f);
+    const std::string ulps = bound >= 1024 ? "2^" + std::to_string(std::ilogb(bound)) : format("%.0f", bound);
+    return std::string(e.level + 1) + " bits (" + ulps + " ulp)";
 }
 
 std::string verdict(const Row& r) {
@@ -197,7 +199,7 @@ std::string verdict(const Row& r) {
 
 std::vector<std::string> header() {
     return {"Function", "Samples", "Max err (ulp)", "Bits", "Promise", "Verdict", "Worst input",
-            "orvo (el/ns)", "libm loop", "libm (el/ns)", "Speed-up"};
+            "orvo (el/ns)", "Scalar loop", "Loop (el/ns)", "Speed-up"};
 }
 
 std::vector<std::string> cells(const Row& r, bool full) {

@@ -254,6 +254,9 @@ template <class T> T square(T a) { return a * a; }
 template <class T> T reciprocal(T a) { return T(1) / a; }
 template <class T> T invSqrt(T a) { return T(1) / std::sqrt(a); }
 template <class T> T invCbrt(T a) { return T(1) / std::cbrt(a); }
+template <class T> T cbrtSquared(T a) { const T c = std::cbrt(a); return c * c; }
+template <class T> T timesSqrt(T a) { return a * std::sqrt(a); }
+template <class T> T cdfNorm(T a) { return T(0.5) * std::erfc(-a * T(0.70710678118654752440)); }
 
 void sinCosLoop32(const test::CallArrays& a, int n) {
     const float* x = static_cast<const float*>(a.in[0]);
@@ -264,6 +267,17 @@ void sinCosLoop64(const test::CallArrays& a, int n) {
     const double* x = static_cast<const double*>(a.in[0]);
     double *s = static_cast<double*>(a.out[0]), *c = static_cast<double*>(a.out[1]);
     for (int i = 0; i < n; ++i) sincos(x[i], &s[i], &c[i]);
+}
+// cos t + i sin t by one sincos per element.
+void cisLoop32(const test::CallArrays& a, int n) {
+    const float* t = static_cast<const float*>(a.in[0]);
+    float* z = static_cast<float*>(a.out[0]);
+    for (int i = 0; i < n; ++i) sincosf(t[i], &z[2 * i + 1], &z[2 * i]);
+}
+void cisLoop64(const test::CallArrays& a, int n) {
+    const double* t = static_cast<const double*>(a.in[0]);
+    double* z = static_cast<double*>(a.out[0]);
+    for (int i = 0; i < n; ++i) sincos(t[i], &z[2 * i + 1], &z[2 * i]);
 }
 void modfLoop32(const test::CallArrays& a, int n) {
     const float* x = static_cast<const float*>(a.in[0]);
@@ -424,12 +438,14 @@ std::vector<Domain> makeDomains() {
          .loop64 = unaryLoop<double, invCbrt<double>>, .approx = invCbrt<double>});
     add({.family = "Pow2o3", .complex = false,
          .about = "all of the range (x^(2/3) is the square of the real cube root, positive for negative x)",
-         .first = cubeArgs, .marks = cubeMarks, .approx = [](double x) { double c = std::cbrt(x); return c * c; }});
+         .first = cubeArgs, .marks = cubeMarks, .baseline = "cbrtf^2", .loop32 = unaryLoop<float, cbrtSquared<float>>,
+         .loop64 = unaryLoop<double, cbrtSquared<double>>, .approx = cbrtSquared<double>});
     add({.family = "Pow3o2", .complex = false,
          .about = "positive numbers by exponent, some negative (no real value); results at overflow",
          .first = positive,
          .marks = {f32(0x00800000), f32(0x7F7FFFFF), val(1), val(4), val(0x1p85, 0, T32), val(0x1.965fea53d6e3dp+682, 0, T64)},
-         .benchLo = 0, .benchHi = 100, .approx = [](double x) { return x * std::sqrt(x); }});
+         .baseline = "x*sqrtf", .loop32 = unaryLoop<float, timesSqrt<float>>, .loop64 = unaryLoop<double, timesSqrt<double>>,
+         .benchLo = 0, .benchHi = 100, .approx = timesSqrt<double>});
     add({.family = "Hypot", .complex = false,
          .about = "all pairs; sums of squares around the mask's band; parts far apart",
          .first = kAnywhere, .related = hypotRelated, .baseline = "hypotf", .loop32 = binaryLoop<float, hypotf>,
@@ -611,8 +627,8 @@ std::vector<Domain> makeDomains() {
          .first = {spread(-kInf, kInf, 1), uniform(-15, 6, 3, T32), uniform(-40, 9, 3, T64)},
          .marks = {val(-14.170185089111328), val(5.41998291015625), val(-37.51937934714449, 0, T64),
                    val(8.292361075813595, 0, T64), val(-38.485408335567335, 0, T64), val(-37.74026543984266, 0, T64)},
-         .cost = 6, .benchLo = -6, .benchHi = 6,
-         .approx = [](double x) { return 0.5 * std::erfc(-x * std::numbers::sqrt2 / 2); }});
+         .cost = 6, .baseline = "erfcf", .loop32 = unaryLoop<float, cdfNorm<float>>,
+         .loop64 = unaryLoop<double, cdfNorm<double>>, .benchLo = -6, .benchHi = 6, .approx = cdfNorm<double>});
     add({.family = "ErfInv", .complex = false, .about = "(-1, 1) uniform and by exponent of x and of 1 - |x|; some outside",
          .first = {uniform(-1, 1, 2), spread(-1, 1, 2), near(1, 0.5, 1), near(-1, 0.5, 1), spread(-kInf, kInf, 0.2)},
          .marks = {val(1), f32(0x33800000), f32(0x3F7FFFFF), hi(0x3CA00000), f64(0x3FEFFFFFFFFFFFFF), val(0.5)},
@@ -659,7 +675,8 @@ std::vector<Domain> makeDomains() {
          .marks = {f32(0x01000000), f32(0x7D000000)}, .baseline = "cargf", .loop32 = toRealLoop<C32, float, cargf>,
          .loop64 = toRealLoop<C64, double, carg>});
     add({.family = "CIS", .complex = true, .about = "all of the range; near multiples of pi/2; the scalar routine's limits",
-         .first = trigArgs, .marks = {val(0x1p-252, 0, T64), val(0x1p17)}});
+         .first = trigArgs, .marks = {val(0x1p-252, 0, T64), val(0x1p17)}, .baseline = "sincosf", .loop32 = cisLoop32,
+         .loop64 = cisLoop64});
     add({.family = "Exp", .complex = true,
          .about = "real parts across the exponent's range, imaginary parts near multiples of pi/2 and large",
          .first = {spread(-kInf, kInf, 1), uniform(-90, 90, 2, T32), uniform(-750, 750, 2, T64), uniform(-4, 4, 2)},

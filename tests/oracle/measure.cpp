@@ -81,18 +81,41 @@ double realError(double computed, ExactPart exact, Format f) {
 }
 
 double complexError(double re, double im, ExactPart exactRe, ExactPart exactIm, bool signsFree, Format f) {
-    double errorRe = -1, errorIm = -1;
-    const bool decidedRe = special(re, exactRe, signsFree, f, errorRe);
-    const bool decidedIm = special(im, exactIm, signsFree, f, errorIm);
-    if ((decidedRe && errorRe > 0) || (decidedIm && errorIm > 0)) return kInf;
-    if (decidedRe && decidedIm) return 0;
-    // Normwise over the parts that are finite numbers: ulps of the larger.
-    mpfr_srcptr big = decidedRe ? exactIm.value : decidedIm ? exactRe.value
-                      : mpfr_cmpabs(exactRe.value, exactIm.value) >= 0 ? exactRe.value : exactIm.value;
+    // Parts with a special exact value are checked alone; the others are
+    // measured together in ulps of the larger of their exact magnitudes.  A
+    // part whose exact value rounds to infinity and came out as that
+    // infinity is right, but its magnitude still sets the scale.
+    const double computed[2] = {re, im};
+    const ExactPart exact[2] = {exactRe, exactIm};
+    bool measured[2] = {false, false}, counts[2] = {false, false};
+    for (int i = 0; i < 2; ++i) {
+        mpfr_srcptr y = exact[i].value;
+        const double c = computed[i];
+        const bool sameSign = signsFree || std::signbit(c) == (mpfr_signbit(y) != 0);
+        if (mpfr_nan_p(y)) {
+            if (!std::isnan(c)) return kInf;
+            continue;
+        }
+        if (std::isnan(c)) return kInf;
+        if (mpfr_inf_p(y)) {
+            if (!std::isinf(c) || !sameSign) return kInf;
+            continue;
+        }
+        if (mpfr_zero_p(y) && exact[i].zeroIsExact) {
+            if (c != 0 || !sameSign) return kInf;
+            continue;
+        }
+        counts[i] = true;
+        measured[i] = !(roundsToInfinity(y, f) && std::isinf(c) && sameSign);
+    }
+    mpfr_srcptr big = nullptr;
+    for (int i = 0; i < 2; ++i)
+        if (counts[i] && (!big || mpfr_cmpabs(exact[i].value, big) > 0)) big = exact[i].value;
+    if (!big) return 0;
     const long ulpExp = ulpExponent(big, f);
     double error = 0;
-    if (!decidedRe) error = distance(re, exactRe.value, ulpExp, f);
-    if (!decidedIm) error = std::fmax(error, distance(im, exactIm.value, ulpExp, f));
+    for (int i = 0; i < 2; ++i)
+        if (measured[i]) error = std::fmax(error, distance(computed[i], exact[i].value, ulpExp, f));
     return error;
 }
 

@@ -459,7 +459,24 @@ void complexAbs(mpfr_ptr r, mpc_srcptr z) { mpfr_hypot(r, mpc_realref(z), mpc_im
 void arg(mpfr_ptr r, mpc_srcptr z) { mpfr_atan2(r, mpc_imagref(z), mpc_realref(z), N); }
 void cis(mpc_ptr r, mpfr_srcptr t) { mpfr_sin_cos(mpc_imagref(r), mpc_realref(r), t, N); }
 
-void complexExp(mpc_ptr r, mpc_srcptr z) { mpc_exp(r, z, NN); }
+// exp(x + iy) where the conventions leave signs open, as the complex core
+// settles them: x = -infinity with y infinite or NaN gives (+0, 0 with the
+// sign of an infinite y); x = +infinity with y infinite or NaN gives
+// (+infinity, NaN).  Everything else as MPC (the C99 conventions).
+void complexExp(mpc_ptr r, mpc_srcptr z) {
+    mpfr_srcptr x = mpc_realref(z), y = mpc_imagref(z);
+    if (mpfr_inf_p(x) && (mpfr_inf_p(y) || mpfr_nan_p(y))) {
+        if (mpfr_sgn(x) < 0) {
+            mpfr_set_zero(mpc_realref(r), 1);
+            mpfr_set_zero(mpc_imagref(r), mpfr_inf_p(y) && mpfr_sgn(y) < 0 ? -1 : 1);
+        } else {
+            mpfr_set_inf(mpc_realref(r), 1);
+            mpfr_set_nan(mpc_imagref(r));
+        }
+        return;
+    }
+    mpc_exp(r, z, NN);
+}
 void complexLn(mpc_ptr r, mpc_srcptr z) { mpc_log(r, z, NN); }
 void complexLog10(mpc_ptr r, mpc_srcptr z) { mpc_log10(r, z, NN); }
 void complexSqrt(mpc_ptr r, mpc_srcptr z) { mpc_sqrt(r, z, NN); }
@@ -470,7 +487,7 @@ void complexPow(mpc_ptr r, mpc_srcptr z, mpc_srcptr c) {
     WideComplex l(precOf(r) + 64), w(precOf(r) + 64);
     mpc_log(l, z, NN);
     complexMul(w, c, l);
-    mpc_exp(r, w, NN);
+    complexExp(r, w);
 }
 
 bool isZero(mpfr_srcptr x) { return mpfr_zero_p(x); }

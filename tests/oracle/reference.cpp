@@ -273,6 +273,20 @@ template <class Step> void newton(mpfr_ptr y, mpfr_prec_t target, Step step) {
     }
 }
 
+// The Newton step of erf and erfc, whose slopes are -+2/sqrt(pi) exp(-y^2):
+// delta = residual / (2/sqrt(pi) exp(-y^2)), at the precision of delta.
+void overSlope(mpfr_ptr delta, mpfr_srcptr residual, mpfr_srcptr y) {
+    Wide d(mpfr_get_prec(delta)), pi(mpfr_get_prec(delta));
+    mpfr_sqr(d, y, N);
+    mpfr_neg(d, d, N);
+    mpfr_exp(d, d, N);
+    mpfr_div(delta, residual, d, N);
+    mpfr_const_pi(pi, N);
+    mpfr_sqrt(pi, pi, N);
+    mpfr_mul(delta, delta, pi, N);
+    mpfr_div_2ui(delta, delta, 1, N);
+}
+
 // erfc(y) = v for 0 < v <= 1, so y >= 0; v exact.
 void erfcInverseLower(mpfr_ptr r, mpfr_srcptr v) {
     if (mpfr_cmp_ui(v, 1) == 0) { mpfr_set_zero(r, 1); return; }
@@ -281,18 +295,10 @@ void erfcInverseLower(mpfr_ptr r, mpfr_srcptr v) {
     const double vd = mpfr_get_d(v, N);
     mpfr_set_d(y, bisectDecreasing([](double t) { return std::erfc(t); }, vd, 0.0, 28.0), N);
     newton(y, target, [v](mpfr_ptr delta, mpfr_ptr yy, mpfr_prec_t prec) {
-        // delta = (erfc(y) - v) / (2/sqrt(pi) exp(-y^2))
-        Wide e(prec), d(prec);
+        Wide e(prec);
         erfcFast(e, yy);
         mpfr_sub(e, e, v, N);
-        mpfr_sqr(d, yy, N);
-        mpfr_neg(d, d, N);
-        mpfr_exp(d, d, N);
-        mpfr_div(e, e, d, N);
-        mpfr_const_pi(d, N);
-        mpfr_sqrt(d, d, N);
-        mpfr_mul(e, e, d, N);
-        mpfr_div_2ui(delta, e, 1, N);
+        overSlope(delta, e, yy);
     });
     mpfr_set(r, y, N);
 }
@@ -316,18 +322,10 @@ void erfInverseSmall(mpfr_ptr r, mpfr_srcptr x) {
     Wide ax(mpfr_get_prec(x));
     mpfr_abs(ax, x, N);
     newton(y, target, [&ax](mpfr_ptr delta, mpfr_ptr yy, mpfr_prec_t prec) {
-        // delta = (x - erf(y)) / (2/sqrt(pi) exp(-y^2))
-        Wide e(prec), d(prec);
+        Wide e(prec);
         erfFast(e, yy);
         mpfr_sub(e, ax, e, N);
-        mpfr_sqr(d, yy, N);
-        mpfr_neg(d, d, N);
-        mpfr_exp(d, d, N);
-        mpfr_div(e, e, d, N);
-        mpfr_const_pi(d, N);
-        mpfr_sqrt(d, d, N);
-        mpfr_mul(e, e, d, N);
-        mpfr_div_2ui(delta, e, 1, N);
+        overSlope(delta, e, yy);
     });
     mpfr_setsign(r, y, mpfr_signbit(x), N);
 }

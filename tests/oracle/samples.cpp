@@ -278,6 +278,7 @@ std::vector<Sample> drawSamples(const CatalogueEntry& e, const Domain& d, long c
     const long fixed = static_cast<long>(out.size());
     const long rest = std::max(0L, count - fixed);
     if (d.related) d.related(draw, static_cast<int>(rest / 4));
+    const long relatedEnd = static_cast<long>(out.size());
     while (static_cast<long>(out.size()) < std::max(count, fixed)) draw.emit(randomSample());
 
     // ScalarRight: each sample gets a scalar.  The declared scalars and the
@@ -289,7 +290,6 @@ std::vector<Sample> drawSamples(const CatalogueEntry& e, const Domain& d, long c
         for (uint64_t v : pairs) scalars.push_back({v, 0});
         for (int i = 0; i < 24; ++i)
             scalars.push_back({draw.pick(scalarPieces), complexIn && (i & 1) ? draw.pick(scalarPieces) : 0});
-        const long relatedEnd = fixed + (d.related ? rest / 4 : 0);
         for (long i = 0; i < static_cast<long>(out.size()); ++i) {
             Sample& s = out[i];
             if (s.ownScalar) continue;

@@ -90,10 +90,21 @@ void writeInput(const Layout& l, const Sample& s, int k, unsigned char* dst) {
 struct Buffer {
     std::vector<unsigned char> raw;
     unsigned char* p = nullptr;
+    size_t used = 0;
     void reset(size_t bytes, size_t offset) {
-        raw.assign(bytes + 128, 0xA5);  // a filler no correct result has
+        // A filler no correct result has, with room on both sides: a kernel
+        // that writes outside its array is caught, and does no harm.
+        raw.assign(bytes + 512, 0xA5);
         const auto base = reinterpret_cast<uintptr_t>(raw.data());
-        p = raw.data() + ((base + 63) / 64 * 64 - base) + offset;
+        p = raw.data() + ((base + 63) / 64 * 64 - base) + 192 + offset;
+        used = bytes;
+    }
+    bool untouchedOutside() const {
+        for (const unsigned char* q = raw.data(); q < p; ++q)
+            if (*q != 0xA5) return false;
+        for (const unsigned char* q = p + used; q < raw.data() + raw.size(); ++q)
+            if (*q != 0xA5) return false;
+        return true;
     }
 };
 
@@ -357,6 +368,9 @@ struct Runner {
         }
         const orvoStatus s = test::call(which, a, static_cast<int>(len));
         if (s < 0 && problem.empty()) problem = std::string(which.name) + " returned status " + std::to_string(s);
+        for (int k = 0; k < l.outputs; ++k)
+            if (!out[k].untouchedOutside() && problem.empty())
+                problem = std::string(which.name) + " wrote outside its output array (length " + std::to_string(len) + ")";
     }
 };
 

@@ -37,6 +37,7 @@ struct Options {
     bool timing = true;
     bool exhaustive = false;
     bool libm = false;
+    bool domains = false;
     int jobs = 0;
 };
 
@@ -60,6 +61,7 @@ struct Row {
                  "  --exhaustive       every binary32 input of the binary32 Unary functions (hours)\n"
                  "  --libm             judge the plain C library loops instead of orvo (same samples)\n"
                  "  --jobs N           threads for the accuracy sweeps (default: all processors)\n"
+                 "  --domains          list the input domain of every family and exit\n"
                  "Exit status: 0 when every function meets its level, 1 when one falls short, 2 on bad use.\n");
     std::exit(status);
 }
@@ -88,6 +90,7 @@ Options parse(int argc, char** argv) {
         else if (a == "--exhaustive") o.exhaustive = true;
         else if (a == "--libm") o.libm = true;
         else if (a == "--jobs") o.jobs = std::atoi(value(i));
+        else if (a == "--domains") o.domains = true;
         else if (a == "--help" || a == "-h") usage(0);
         else usage(2);
     }
@@ -314,6 +317,11 @@ void exhaustiveProgress(void* context, double fraction) {
 int main(int argc, char** argv) {
     const Options o = parse(argc, argv);
     const orvoLibraryVersion* v = orvoGetLibVersion();
+    if (o.domains) {
+        for (const auto& d : oracle::allDomains())
+            std::printf("%-10s %-7s %2zu thresholds  %s\n", d.family, d.complex ? "complex" : "real", d.marks.size(), d.about);
+        return 0;
+    }
 
     std::vector<Row> rows;
     int unbuilt = 0;

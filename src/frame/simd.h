@@ -126,16 +126,30 @@ template <class V, class I> inline V gather(const ElemOf<V>* table, I index) {
 // ---- comparisons and selection -----------------------------------------
 // Masks are all-ones lanes (vectors) or bool (scalars); | and & combine both.
 
+template <class I> inline auto gtSigned(I bits, int64_t threshold);
+
+// 256-bit patterns are compared as two 128-bit halves: the target has no
+// 256-bit integer compare, and the compiler's own lowering goes lane by lane.
+template <class I, class F> inline auto onHalves(I bits, F compare) {
+    constexpr int n = sizeof(I) / sizeof(LaneOf<I>);
+    if constexpr (n == 8) {
+        auto lo = compare(__builtin_shufflevector(bits, bits, 0, 1, 2, 3));
+        auto hi = compare(__builtin_shufflevector(bits, bits, 4, 5, 6, 7));
+        return __builtin_shufflevector(lo, hi, 0, 1, 2, 3, 4, 5, 6, 7);
+    } else {
+        auto lo = compare(__builtin_shufflevector(bits, bits, 0, 1));
+        auto hi = compare(__builtin_shufflevector(bits, bits, 2, 3));
+        return __builtin_shufflevector(lo, hi, 0, 1, 2, 3);
+    }
+}
+
 template <class I> inline auto gtSigned(I bits, int64_t threshold) {
     if constexpr (std::is_same_v<I, uint32_t>) return static_cast<int32_t>(bits) > static_cast<int32_t>(threshold);
     else if constexpr (std::is_same_v<I, uint64_t>) return static_cast<int64_t>(bits) > threshold;
-    else if constexpr (sizeof(LaneOf<I>) == 4) {
-        using Signed = std::conditional_t<sizeof(I) == 32, i32x8, i32x4>;
-        return (Signed)bits > static_cast<int32_t>(threshold);
-    } else {
-        using Signed = std::conditional_t<sizeof(I) == 32, i64x4, i64x2>;
-        return (Signed)bits > threshold;
-    }
+    else if constexpr (sizeof(I) == 32) return onHalves(bits, [=](auto half) { return gtSigned(half, threshold); });
+    else if constexpr (sizeof(LaneOf<I>) == 4)
+        return (i32x4)_mm_cmpgt_epi32((__m128i)bits, _mm_set1_epi32(static_cast<int32_t>(threshold)));
+    else return (i64x2)_mm_cmpgt_epi64((__m128i)bits, _mm_set1_epi64x(threshold));
 }
 
 template <class M, class V> inline V select(M mask, V ifTrue, V ifFalse) {
@@ -218,5 +232,31 @@ inline unsigned laneBits16(i32x8 a, i32x8 b) {
     __m128i bytes = _mm_packs_epi16(_mm_packs_epi32(qa0, qa1), _mm_packs_epi32(qb0, qb1));
     return static_cast<unsigned>(_mm_movemask_epi8(bytes));
 }
+
+// ---- signed "less than" on patterns, integer lanes to floating lanes (logarithms) ----
+// ltSigned(bits, T): bits < T as signed integers, the mirror of gtSigned.
+// toFloat and toDouble convert signed 32-bit lanes (exponents) exactly.
+template <class I> inline auto ltSigned(I bits, int64_t threshold) {
+    if constexpr (std::is_same_v<I, uint32_t>) return static_cast<int32_t>(bits) < static_cast<int32_t>(threshold);
+    else if constexpr (std::is_same_v<I, uint64_t>) return static_cast<int64_t>(bits) < threshold;
+    else if constexpr (sizeof(I) == 32) return onHalves(bits, [=](auto half) { return ltSigned(half, threshold); });
+    else {
+        // The threshold is hidden from the optimiser, which would otherwise
+        // turn the one compare into a min and an equality test.
+        __m128i t = sizeof(LaneOf<I>) == 4 ? _mm_set1_epi32(static_cast<int32_t>(threshold)) : _mm_set1_epi64x(threshold);
+        asm("" : "+x"(t));
+        if constexpr (sizeof(LaneOf<I>) == 4) return (i32x4)_mm_cmpgt_epi32(t, (__m128i)bits);
+        else return (i64x2)_mm_cmpgt_epi64(t, (__m128i)bits);
+    }
+}
+inline int32_t asSigned(uint32_t b) { return static_cast<int32_t>(b); }
+inline i32x4 asSigned(u32x4 b) { return (i32x4)b; }
+inline i32x8 asSigned(u32x8 b) { return (i32x8)b; }
+inline int64_t asSigned(uint64_t b) { return static_cast<int64_t>(b); }
+inline i64x4 asSigned(u64x4 b) { return (i64x4)b; }
+inline float toFloat(int32_t v) { return static_cast<float>(v); }
+inline f32x8 toFloat(i32x8 v) { return (f32x8)_mm256_cvtepi32_ps((__m256i)v); }
+inline double toDouble(int32_t v) { return static_cast<double>(v); }
+inline f64x4 toDouble(i32x4 v) { return (f64x4)_mm256_cvtepi32_pd((__m128i)v); }
 
 }  // namespace orvo::simd

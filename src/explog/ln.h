@@ -28,14 +28,6 @@ namespace orvo::explog {
 
 using namespace simd;
 
-// g(f) by Horner's rule: coefficients of f^2, f^3, ... given low to high
-// (bit patterns), evaluated from the highest down.
-template <class V, int N> inline V lnHorner(V f, const uint64_t (&c)[N]) {
-    V g = constant<V>(c[N - 1]);
-    for (int i = N - 2; i >= 0; --i) g = g * f + constant<V>(c[i]);
-    return g;
-}
-
 // ---- scalar fixup ------------------------------------------------------
 
 // Results that must come from the hardware with their flags: the default
@@ -61,12 +53,12 @@ inline orvoStatus lnFixupFinite(double x, double& result) {
     if (x > 0) {
         // ln(1 + d) with |d| <= 2^-6.7: the polynomial alone, so x next to 1
         // never meets a table value it would have to cancel.  kG holds the
-        // coefficients of d^3 to d^8; that of d^2 is -0.5.
-        static constexpr uint64_t kG[] = {0x3FD5555555555613, 0xBFD0000000000262, 0x3FC9999997B36C81,
-                                          0xBFC555555228B38F, 0x3FC249C02481059D, 0xBFC000B405A2836D};
+        // coefficients of d^8 down to d^3; that of d^2 is -0.5.
+        static constexpr uint64_t kG[] = {0xBFC000B405A2836D, 0x3FC249C02481059D, 0xBFC555555228B38F,
+                                          0x3FC9999997B36C81, 0xBFD0000000000262, 0x3FD5555555555613};
         const double d = x - 1.0;
         if (d <= asFloat(uint64_t{0x3F84000000000000}) && d >= -asFloat(uint64_t{0x3F84000000000000})) {
-            result = d + (lnHorner(d, kG) * d - 0.5) * (d * d);
+            result = d + (horner(kG, d) * d - 0.5) * (d * d);
             return orvoOk;
         }
         // y in [1, 2); j = y rounded to a multiple of 2^-6, as 64 (y - 1),
@@ -86,7 +78,7 @@ inline orvoStatus lnFixupFinite(double x, double& result) {
         const double u = row[0] * yh - 1.0;
         const double v = row[0] * yl;
         const double w = u + v;
-        double g = lnHorner(w, kG) * w;
+        double g = horner(kG, w) * w;
         g = (g - 0.5) * (w * w);
         // P last: the fixup serves the binary64 denormals, where |P| > 700,
         // and each small term added to P first would cost half an ulp.
@@ -145,9 +137,10 @@ template <class V> inline void lnSplit32(V x, V& e, V& f) {
     f = asFloat((u & 0x007FFFFFu) + 0x3F2AAAABu) - constant<V>(0x3F800000);
 }
 
-// p = f + f^2 g(f), the last steps as (g f) f + f.
-template <class V, int N> inline V lnPoly32(V f, const uint64_t (&c)[N]) {
-    return (lnHorner(f, c) * f) * f + f;
+// p = f + f^2 g(f), g by Horner's rule from its highest coefficient down to
+// -0.5, the last steps as (g f) f + f.
+template <class V, size_t N> inline V lnPoly32(V f, const uint64_t (&c)[N]) {
+    return (horner(c, f) * f) * f + f;
 }
 
 struct Ln32Base {
@@ -163,7 +156,7 @@ struct LnA11 : Ln32Base {
     // pair 0x3EB4A830, 0xBE89233C errs there by 8314 ulps against the 8192
     // allowed.  This pair is a minimax fit in ulps over [2/3, 4/3), rounded
     // to binary32 and polished over every binary32 input: at most 7616 ulps.
-    static constexpr uint64_t kCoeffs[] = {0xBF000000, 0x3EB3E58D, 0xBE8A58EA};
+    static constexpr uint64_t kCoeffs[] = {0xBE8A58EA, 0x3EB3E58D, 0xBF000000};
     template <class V> static V eval(V x) {
         V e, f;
         lnSplit32(x, e, f);
@@ -172,8 +165,8 @@ struct LnA11 : Ln32Base {
 };
 
 struct LnA21 : Ln32Base {
-    static constexpr uint64_t kCoeffs[] = {0xBF000000, 0x3EAAAEE7, 0xBE80061D, 0x3E4AFB81,
-                                           0xBE289358, 0x3E2DB86B, 0xBE1B6A22};
+    static constexpr uint64_t kCoeffs[] = {0xBE1B6A22, 0x3E2DB86B, 0xBE289358, 0x3E4AFB81,
+                                           0xBE80061D, 0x3EAAAEE7, 0xBF000000};
     template <class V> static V eval(V x) {
         V e, f;
         lnSplit32(x, e, f);
@@ -182,8 +175,8 @@ struct LnA21 : Ln32Base {
 };
 
 struct LnA24 : Ln32Base {
-    static constexpr uint64_t kCoeffs[] = {0xBF000000, 0x3EAAAA83, 0xBE7FFF78, 0x3E4CE814, 0xBE2ACEE6,
-                                           0x3E0F6B8C, 0xBDF9889E, 0x3E0F335D, 0xBE0402C8};
+    static constexpr uint64_t kCoeffs[] = {0xBE0402C8, 0x3E0F335D, 0xBDF9889E, 0x3E0F6B8C, 0xBE2ACEE6,
+                                           0x3E4CE814, 0xBE7FFF78, 0x3EAAAA83, 0xBF000000};
     template <class V> static V eval(V x) {
         V e, f;
         lnSplit32(x, e, f);
@@ -290,9 +283,10 @@ struct LnA53 : Ln64Base {
         // The bias 1023 lives in the table: E L1 is exact and so is A, hi
         // being a multiple of 2^-40; t is the rounding error of s = A + r.
         const V E = lnExponentField(x);
-        const auto row = lnTableRow(c) * 2u;
-        const V A = E * constant<V>(0x3FE62E42FEFA0000) + gather<V>(kLnTable513Pair.data(), row);
-        const V Bv = E * constant<V>(0x3D7CF79ABC9E0000) + gather<V>(kLnTable513Pair.data(), row + 1u);
+        V hi, lo;
+        gatherPair(kLnTable513Pair.data(), lnTableRow(c), hi, lo);
+        const V A = E * constant<V>(0x3FE62E42FEFA0000) + hi;
+        const V Bv = E * constant<V>(0x3D7CF79ABC9E0000) + lo;
         const V s = A + r;
         const V t = r - (s - A);
         return ((Bv + t) + q * (r * r)) + s;

@@ -9,13 +9,13 @@
 // Double precision takes the processor's reciprocal estimate of the mantissa
 // m' (scaled into [2^-10, 2^-9)), rounds it to an integer c in [512, 1024]
 // and uses c both as the multiplier, r = m' c - 1, and as the row of a table
-// of -ln(c/512) or -ln(c/1024).  Because the same c feeds both, any c within
-// one of 1/m' is as good as the correctly rounded reciprocal: a processor's
-// estimate need not match any other's.  c has at most 11 significant bits,
-// so products with it are exact where the levels need them exact, with no
-// further trimming of the estimate.  Next to 1 (c = 512 with the exponent
-// one lower, or c = 1024) the table value and the exponent term are exactly
-// zero, or cancel exactly, and the result is r with its correction.
+// of -ln(c/512) or -ln(c/1024).  Because the same c feeds both, the table is
+// right for every c and c need not be the correctly rounded reciprocal: a
+// processor's estimate need not match any other's.  c has at most 11
+// significant bits, so products with it are exact where the levels need
+// them exact, with no trimming of the estimate.  Next to 1 (c = 512 with the
+// exponent one lower, or c = 1024) the table value and the exponent term are
+// exactly zero, or cancel exactly, and the result is r with its correction.
 #pragma once
 
 #include <cstdint>
@@ -51,7 +51,7 @@ inline orvoStatus lnFixupFinite(double x, double& result) {
         adjust = -60;
     }
     if (x > 0) {
-        // ln(1 + d) with |d| <= 2^-6.7: the polynomial alone, so x next to 1
+        // ln(1 + d) with |d| <= 5/512: the polynomial alone, so x next to 1
         // never meets a table value it would have to cancel.  kG holds the
         // coefficients of d^8 down to d^3; that of d^2 is -0.5.
         static constexpr uint64_t kG[] = {0xBFC000B405A2836D, 0x3FC249C02481059D, 0xBFC555555228B38F,
@@ -93,36 +93,29 @@ inline orvoStatus lnFixupFinite(double x, double& result) {
     return orvoWarnDomain;
 }
 
-// The ScalarFixups: complete evaluations in binary64.  Infinities and NaNs:
-// -inf is outside the domain; +inf and NaN give x x (a NaN comes out quiet).
-inline orvoStatus LnFixup32f(const orvo32f* in, orvo32f* out) {
-    const float x = *in;
-    if ((asBits(x) & 0x7F800000) == 0x7F800000) {
-        if (asBits(x) == 0xFF800000) {
-            *out = narrow(lnDomainNaN());
+// The ScalarFixups: complete evaluations in binary64, a binary32 input
+// widened first and its result narrowed once.  Infinities and NaNs: -inf is
+// outside the domain; +inf and NaN give x x in the element's format (a NaN
+// comes out quiet).
+template <class T> inline orvoStatus lnFixup(const T* in, T* out) {
+    const T x = *in;
+    const BitsOf<T> exponentField = sizeof(T) == 4 ? 0x7F800000u : 0x7FF0000000000000u;
+    const BitsOf<T> minusInfinity = exponentField | asBits(T(-0.0));
+    if ((asBits(x) & exponentField) == exponentField) {
+        if (asBits(x) == minusInfinity) {
+            *out = static_cast<T>(lnDomainNaN());
             return orvoWarnDomain;
         }
         *out = x * x;
         return orvoOk;
     }
     double result;
-    const orvoStatus status = lnFixupFinite(widen(x), result);
-    *out = narrow(result);
+    const orvoStatus status = lnFixupFinite(static_cast<double>(x), result);
+    *out = static_cast<T>(result);
     return status;
 }
-
-inline orvoStatus LnFixup64f(const orvo64f* in, orvo64f* out) {
-    const double x = *in;
-    if ((asBits(x) & 0x7FF0000000000000) == 0x7FF0000000000000) {
-        if (asBits(x) == 0xFFF0000000000000) {
-            *out = lnDomainNaN();
-            return orvoWarnDomain;
-        }
-        *out = x * x;
-        return orvoOk;
-    }
-    return lnFixupFinite(x, *out);
-}
+inline orvoStatus LnFixup32f(const orvo32f* in, orvo32f* out) { return lnFixup(in, out); }
+inline orvoStatus LnFixup64f(const orvo64f* in, orvo64f* out) { return lnFixup(in, out); }
 
 // ---- binary32: the 2/3 split -------------------------------------------
 
@@ -221,11 +214,17 @@ template <class V> inline V lnExponentField(V x) { return toDouble(asSigned(high
 // Row c - 512 of a table, from the pattern of c: 512 has 0x81000 above bit 43.
 template <class V> inline auto lnTableRow(V c) { return (asBits(c) >> 43) - 0x81000u; }
 
-struct Ln64Base {
+// A level gives evalWith(x, c), the formula for a given c; the kernel's
+// c comes from the processor's estimate (tests substitute others).
+template <class Level> struct Ln64Base {
     using T = double;
     static constexpr int kBlock = 8;
     template <class I> static auto special(I high) { return lnSpecial64(high); }
     static orvoStatus fixup(const double* in, double* out) { return LnFixup64f(in, out); }
+    template <class V, class E> static V evalWithEstimate(V x, E estimate) {
+        return Level::evalWith(x, lnRoundEstimate(estimate));
+    }
+    template <class V> static V eval(V x) { return Level::evalWithEstimate(x, lnEstimate(lnScaledMantissa(x))); }
 };
 
 // Coefficients of r^2, r^3 (A26), and r^4, r^5 (A50, A53).
@@ -252,31 +251,23 @@ template <class V> inline V lnQuartic(V r) {
     return (constant<V>(kLnC5) * r + constant<V>(kLnC4)) * (r * r) + (constant<V>(kLnC3) * r + constant<V>(kLnC2));
 }
 
-struct LnA26 : Ln64Base {
+struct LnA26 : Ln64Base<LnA26> {
     template <class V> static V evalWith(V x, V c) {
         const V r = lnScaledMantissa(x) * c - constant<V>(0x3FF0000000000000);
         const V p = r + (constant<V>(kLnC3) * r + constant<V>(kLnC2)) * (r * r);
         return lnCombineTable513(x, c, p);
     }
-    template <class V, class E> static V evalWithEstimate(V x, E estimate) {
-        return evalWith(x, lnRoundEstimate(estimate));
-    }
-    template <class V> static V eval(V x) { return evalWithEstimate(x, lnEstimate(lnScaledMantissa(x))); }
 };
 
-struct LnA50 : Ln64Base {
+struct LnA50 : Ln64Base<LnA50> {
     template <class V> static V evalWith(V x, V c) {
         const V r = lnExactReduced(lnScaledMantissa(x), c);
         const V p = r + lnQuartic(r) * (r * r);
         return lnCombineTable513(x, c, p);
     }
-    template <class V, class E> static V evalWithEstimate(V x, E estimate) {
-        return evalWith(x, lnRoundEstimate(estimate));
-    }
-    template <class V> static V eval(V x) { return evalWithEstimate(x, lnEstimate(lnScaledMantissa(x))); }
 };
 
-struct LnA53 : Ln64Base {
+struct LnA53 : Ln64Base<LnA53> {
     template <class V> static V evalWith(V x, V c) {
         const V r = lnExactReduced(lnScaledMantissa(x), c);
         const V q = lnQuartic(r);
@@ -294,7 +285,6 @@ struct LnA53 : Ln64Base {
     template <class V, class E> static V evalWithEstimate(V x, E estimate) {
         return evalWith(x, lnRoundEstimate(lnRefineEstimate(estimate, narrow(lnScaledMantissa(x)))));
     }
-    template <class V> static V eval(V x) { return evalWithEstimate(x, lnEstimate(lnScaledMantissa(x))); }
 };
 
 }  // namespace orvo::explog

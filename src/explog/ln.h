@@ -202,8 +202,8 @@ template <class E> inline auto lnRoundEstimate(E estimate) {
 // by up to 1.5 2^-12 can round to a c nearly 0.9 away from 1/m'; then |r|
 // nears 2^-9, where the polynomial is short of full accuracy, and next to 1,
 // where r and the table value cancel, A53 errs by over 2 ulps (A26 and A50
-// keep their bounds).  After the step c is the integer nearest 1/m', to
-// within 2^-11.
+// keep their bounds).  After the step the estimate lies within 2^-11 of
+// 1/m', so c is the nearest integer unless 1/m' is that close to a half.
 template <class E> inline E lnRefineEstimate(E estimate, E mPrime) {
     return estimate * (constant<E>(0x40000000) - mPrime * estimate);
 }

@@ -274,4 +274,23 @@ template <class V, size_t N> inline V horner(const uint64_t (&c)[N], V t) {
     return p;
 }
 
+// ---- signed "less than" on patterns, integer lanes to floating lanes (logarithms) ----
+// ltSigned(bits, T): bits < T as signed 32-bit integers, the mirror of
+// gtSigned.  toFloat and toDouble convert signed 32-bit lanes exactly.
+inline bool ltSigned(uint32_t bits, int32_t threshold) { return static_cast<int32_t>(bits) < threshold; }
+inline i32x4 ltSigned(u32x4 bits, int32_t threshold) {
+    // The threshold is hidden from the optimiser, which would otherwise turn
+    // the one compare into a min and an equality test.
+    __m128i t = _mm_set1_epi32(threshold);
+    asm("" : "+x"(t));
+    return (i32x4)_mm_cmpgt_epi32(t, (__m128i)bits);
+}
+inline int32_t asSigned(uint32_t b) { return static_cast<int32_t>(b); }
+inline i32x4 asSigned(u32x4 b) { return (i32x4)b; }
+inline i32x8 asSigned(u32x8 b) { return (i32x8)b; }
+inline float toFloat(int32_t v) { return static_cast<float>(v); }
+inline f32x8 toFloat(i32x8 v) { return (f32x8)_mm256_cvtepi32_ps((__m256i)v); }
+inline double toDouble(int32_t v) { return static_cast<double>(v); }
+inline f64x4 toDouble(i32x4 v) { return (f64x4)_mm256_cvtepi32_pd((__m128i)v); }
+
 }  // namespace orvo::simd

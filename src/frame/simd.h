@@ -113,12 +113,26 @@ template <class V> inline V loadAligned(const ElemOf<V>* p) {
     else return load<V>(p);
 }
 
+// The lanes of an index vector as integers for addressing.  They pass
+// through memory: one vector store and a scalar load per lane cost less
+// than taking the lanes out of the register one by one (two instructions
+// each for all but the first of every 128-bit half).
+template <class I> struct LaneIndices {
+    LaneOf<I> at[sizeof(I) / sizeof(LaneOf<I>)];
+    explicit LaneIndices(I index) {
+        std::memcpy(at, &index, sizeof at);
+        asm("" : "+m"(at));  // kept in memory: no lane-by-lane extraction
+    }
+    size_t operator[](int i) const { return at[i]; }
+};
+
 // Table look-up lane by lane: the target has no gather instruction.
 template <class V, class I> inline V gather(const ElemOf<V>* table, I index) {
     if constexpr (kIsScalar<V>) return table[index];
     else {
+        const LaneIndices<I> at(index);
         V r;
-        for (int i = 0; i < kLanes<V>; ++i) r[i] = table[index[i]];
+        for (int i = 0; i < kLanes<V>; ++i) r[i] = table[at[i]];
         return r;
     }
 }
@@ -232,7 +246,8 @@ template <class V, class I> inline void gatherPair(const ElemOf<V>* rows, I inde
         hi = rows[2 * index];
         lo = rows[2 * index + 1];
     } else if constexpr (std::is_same_v<V, f32x8>) {
-        auto row = [&](int i) { return rows + 2 * static_cast<size_t>(index[i]); };
+        const LaneIndices<I> at(index);
+        auto row = [&](int i) { return rows + 2 * at[i]; };
         auto twoRows = [&](int i) {
             const __m128 first = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(row(i)));
             return _mm_loadh_pi(first, reinterpret_cast<const __m64*>(row(i + 1)));
@@ -243,7 +258,8 @@ template <class V, class I> inline void gatherPair(const ElemOf<V>* rows, I inde
         lo = (f32x8)_mm256_shuffle_ps(a, b, 0xDD);
     } else {
         static_assert(std::is_same_v<V, f64x4>);
-        auto row = [&](int i) { return rows + 2 * static_cast<size_t>(index[i]); };
+        const LaneIndices<I> at(index);
+        auto row = [&](int i) { return rows + 2 * at[i]; };
         auto twoRows = [&](int i, int j) {
             return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(row(i))), _mm_loadu_pd(row(j)), 1);
         };

@@ -140,6 +140,15 @@ template <class V, class I> inline V gather(const ElemOf<V>* table, I index) {
 // ---- comparisons and selection -----------------------------------------
 // Masks are all-ones lanes (vectors) or bool (scalars); | and & combine both.
 
+// A threshold of signed compares on 32-bit lanes, hidden from the optimiser,
+// which would otherwise turn some compares with a constant (x > -2^21 - 1)
+// into a min and an equality test: two instructions for one.
+inline i32x4 opaqueThreshold(int32_t threshold) {
+    __m128i t = _mm_set1_epi32(threshold);
+    asm("" : "+x"(t));
+    return (i32x4)t;
+}
+
 template <class I> inline auto gtSigned(I bits, int64_t threshold) {
     if constexpr (std::is_same_v<I, uint32_t>) return static_cast<int32_t>(bits) > static_cast<int32_t>(threshold);
     else if constexpr (std::is_same_v<I, uint64_t>) return static_cast<int64_t>(bits) > threshold;
@@ -147,11 +156,12 @@ template <class I> inline auto gtSigned(I bits, int64_t threshold) {
         // Two 128-bit compares: without AVX2 the compiler would otherwise
         // compare the eight lanes one by one.
         const i32x8 s = (i32x8)bits;
-        const i32x4 low = __builtin_shufflevector(s, s, 0, 1, 2, 3) > static_cast<int32_t>(threshold);
-        const i32x4 high = __builtin_shufflevector(s, s, 4, 5, 6, 7) > static_cast<int32_t>(threshold);
+        const i32x4 t = opaqueThreshold(static_cast<int32_t>(threshold));
+        const i32x4 low = __builtin_shufflevector(s, s, 0, 1, 2, 3) > t;
+        const i32x4 high = __builtin_shufflevector(s, s, 4, 5, 6, 7) > t;
         return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
     } else if constexpr (sizeof(LaneOf<I>) == 4) {
-        return (i32x4)bits > static_cast<int32_t>(threshold);
+        return (i32x4)bits > opaqueThreshold(static_cast<int32_t>(threshold));
     } else {
         using Signed = std::conditional_t<sizeof(I) == 32, i64x4, i64x2>;
         return (Signed)bits > threshold;
@@ -294,13 +304,7 @@ template <class V, size_t N> inline V horner(const uint64_t (&c)[N], V t) {
 // ltSigned(bits, T): bits < T as signed 32-bit integers, the mirror of
 // gtSigned.  toFloat and toDouble convert signed 32-bit lanes exactly.
 inline bool ltSigned(uint32_t bits, int32_t threshold) { return static_cast<int32_t>(bits) < threshold; }
-inline i32x4 ltSigned(u32x4 bits, int32_t threshold) {
-    // The threshold is hidden from the optimiser, which would otherwise turn
-    // the one compare into a min and an equality test.
-    __m128i t = _mm_set1_epi32(threshold);
-    asm("" : "+x"(t));
-    return (i32x4)_mm_cmpgt_epi32(t, (__m128i)bits);
-}
+inline i32x4 ltSigned(u32x4 bits, int32_t threshold) { return opaqueThreshold(threshold) > (i32x4)bits; }
 inline int32_t asSigned(uint32_t b) { return static_cast<int32_t>(b); }
 inline i32x4 asSigned(u32x4 b) { return (i32x4)b; }
 inline i32x8 asSigned(u32x8 b) { return (i32x8)b; }

@@ -34,6 +34,7 @@ std::string peerKey(const Group& g, const Peer& p, int len);
 // ns per element by benchmark name; absent when the benchmark did not run.
 using Results = std::map<std::string, double>;
 
-void writePerformance(std::FILE* out, const std::vector<Group>& groups, const Results& results, int rounds);
+void writePerformance(std::FILE* out, const std::vector<Group>& groups, const Results& results, int rounds,
+                      int repetitions);
 
 }  // namespace orvo::bench

@@ -7,7 +7,10 @@
 //   orvo_bench [--markdown=FILE] [--rounds=N] [Google Benchmark options]
 //
 // --markdown writes the performance document (per function and level: ns
-// per element, ratios to the peers, the goals and whether they hold).
+// per element, ratios to the peers, the goals and whether they hold).  With
+// --benchmark_repetitions the fastest repetition of each benchmark counts;
+// --benchmark_enable_random_interleaving spreads them over the run, so that
+// a disturbance of the machine hits orvo and its peers alike.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -39,7 +42,9 @@ template <class Measure> void timed(benchmark::State& state, const std::string& 
         state.SetIterationTime(ns * len * 1e-9);
     }
     state.counters["ns/el"] = ns;
-    results[key] = ns;
+    // Of repeated runs the fastest counts, as of the rounds within a run.
+    auto [it, fresh] = results.emplace(key, ns);
+    if (!fresh && ns < it->second) it->second = ns;
 }
 
 void registerAll(const std::vector<Group>& groups) {
@@ -75,7 +80,9 @@ void registerAll(const std::vector<Group>& groups) {
 int main(int argc, char** argv) {
     std::string markdown;
     std::vector<char*> rest;
+    int repetitions = 1;
     for (int i = 0; i < argc; ++i) {
+        if (std::strncmp(argv[i], "--benchmark_repetitions=", 24) == 0) repetitions = std::max(1, std::atoi(argv[i] + 24));
         if (std::strncmp(argv[i], "--markdown=", 11) == 0) markdown = argv[i] + 11;
         else if (std::strncmp(argv[i], "--rounds=", 9) == 0) rounds = std::max(1, std::atoi(argv[i] + 9));
         else rest.push_back(argv[i]);
@@ -95,7 +102,7 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "orvo_bench: cannot write %s\n", markdown.c_str());
             return 1;
         }
-        writePerformance(out, groups, results, rounds);
+        writePerformance(out, groups, results, rounds, repetitions);
         std::fclose(out);
     }
     return 0;

@@ -157,7 +157,8 @@ void rule(std::FILE* out, size_t columns) {
 
 }  // namespace
 
-void writePerformance(std::FILE* out, const std::vector<Group>& groups, const Results& results, int rounds) {
+void writePerformance(std::FILE* out, const std::vector<Group>& groups, const Results& results, int rounds,
+                      int repetitions) {
     std::fprintf(out,
                  "# Performance\n\n"
                  "Written by `scripts/bench` (do not edit by hand) on %s: orvo %s; %s; GCC %s; glibc %s; %s.\n\n",
@@ -165,7 +166,7 @@ void writePerformance(std::FILE* out, const std::vector<Group>& groups, const Re
                  libraryOf(groups, Source::Sleef).c_str());
     std::fprintf(out,
                  "Every figure is nanoseconds per element: the fastest of %d rounds of calls, each round at least "
-                 "4 ms, measured by the same code as the throughput column of `orvo-report`. **1K**: calls of %d "
+                 "4 ms, measured by the same code as the throughput column of `orvo-report`%s. **1K**: calls of %d "
                  "elements that take 2 to 8 input sets in turn (as many as fit in 32 KiB), so that no branch "
                  "predictor learns one array. **1M**: calls of %d elements, beyond the second-level cache. Inputs "
                  "are uniform over a range where each family is typically used, with no special values. Ratios "
@@ -176,7 +177,9 @@ void writePerformance(std::FILE* out, const std::vector<Group>& groups, const Re
                  "- **libmvec AVX / AVX2**: glibc's vector functions `_ZGVcN8v_expf`, `_ZGVdN8v_expf`, ... (the "
                  "AVX2 ones use FMA, which orvo may not);\n"
                  "- **bare AVX**: a loop of 256-bit loads, the one instruction, 256-bit stores.\n\n",
-                 rounds, kShort, kLong);
+                 rounds,
+                 repetitions > 1 ? fmt("; of %.0f such runs spread over the whole run, the fastest", repetitions).c_str() : "",
+                 kShort, kLong);
 
     // The goals, function by function.
     std::fprintf(out,
@@ -186,8 +189,13 @@ void writePerformance(std::FILE* out, const std::vector<Group>& groups, const Re
                  "- Middle levels (`A21`, `A50`): no slower than SLEEF's u35 AVX variant (its u10 where it has no "
                  "u35), at 1K.\n"
                  "- Bottom levels (`A11`, `A26`): no slower than libmvec's AVX2 variant, at 1K.\n"
-                 "- Element-wise kernels (Abs, Add, Sub, Mul, Sqr, Conj): within 1.2 times a bare AVX loop, at 1M.\n\n"
-                 "Functions whose peer for the goal does not exist have no goal and are left out here.\n\n");
+                 "- Element-wise kernels (Abs, Add, Sub, Mul, Sqr, Conj): within 1.2 times a bare AVX loop, at 1M.\n\n");
+    std::string none;
+    for (const Group& g : groups)
+        for (const CatalogueEntry* e : g.functions)
+            if (!goalOf(*e, g)) none += std::string(none.empty() ? "" : ", ") + (e->name + 4);
+    if (!none.empty())
+        std::fprintf(out, "Without a goal, as neither SLEEF nor libmvec has the function: %s.\n\n", none.c_str());
     row(out, {"Function", "Goal", "Length", "orvo", "peer", "orvo / peer", "Holds"});
     rule(out, 7);
     int goals = 0, held = 0;

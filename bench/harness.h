@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,16 @@ std::vector<Group> builtGroups();
 std::string typeName(ElementType t);
 std::string functionKey(const CatalogueEntry& e, int len);
 std::string peerKey(const Group& g, const Peer& p, int len);
+
+// A performance goal: orvo's time over the peer's at that length must not
+// exceed the limit.
+struct Goal {
+    const Peer* peer;
+    int len;
+    double limit;
+};
+
+std::optional<Goal> goalOf(const CatalogueEntry& e, const Group& g);
 
 // ns per element by benchmark name; absent when the benchmark did not run.
 using Results = std::map<std::string, double>;

@@ -64,13 +64,13 @@ template <class T, int Arity> void scalarLoop(void* function, const test::CallAr
     }
 }
 
-// An expression in plain C, element by element (values: complex arrays as
-// flat arrays of parts).
-template <class T, class Op> void expressionLoop(void*, const test::CallArrays& a, int n) {
+// An expression in plain C, value by value (`Parts` values an element:
+// complex arrays as flat arrays of parts).
+template <class T, class Op, int Parts> void expressionLoop(void*, const test::CallArrays& a, int elements) {
     const T* x = static_cast<const T*>(a.in[0]);
     const T* y = static_cast<const T*>(a.in[1] ? a.in[1] : a.in[0]);
     T* r = static_cast<T*>(a.out[0]);
-    for (int i = 0; i < n; ++i) r[i] = Op::scalar(x[i], y[i]);
+    for (int i = 0; i < elements * Parts; ++i) r[i] = Op::scalar(x[i], y[i]);
 }
 
 // The same expression as a bare AVX loop: 256-bit unaligned loads and
@@ -215,7 +215,7 @@ template <class T, int Arity> void addLibraryPeers(const Names& f, bool single, 
 }
 
 template <class T, class Op, int Parts = 1> void addExpression(const char* text, bool bare, std::vector<Peer>& out) {
-    out.push_back({Source::Libm, "", 0, text, nullptr, expressionLoop<T, Op>});
+    out.push_back({Source::Libm, "", 0, text, nullptr, expressionLoop<T, Op, Parts>});
     if (bare) out.push_back({Source::BareAvx, "AVX", 0, text, nullptr, bareLoop<T, Op, Parts>});
 }
 

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
-#include <optional>
 #include <string_view>
 
 #include "bench/harness.h"
@@ -48,14 +47,6 @@ std::string peerKey(const Group& g, const Peer& p, int len) {
 
 namespace {
 
-// ---- goals ----------------------------------------------------------------------
-
-struct Goal {
-    const Peer* peer;
-    int len;
-    double limit;  // orvo / peer must not exceed it
-};
-
 // The element-wise kernels: one hardware operation an element, timed against
 // a bare loop of that operation.
 bool elementwise(const CatalogueEntry& e) {
@@ -75,6 +66,8 @@ const Peer* find(const Group& g, Source source, const char* isa, double ulps = -
     return best;
 }
 
+}  // namespace
+
 // Top levels against SLEEF's most accurate AVX variant (u10; u05 where that
 // is what it has), middle levels against its u35 (or the most accurate),
 // bottom levels against libmvec's AVX2 variant, at the short length; the
@@ -92,6 +85,8 @@ std::optional<Goal> goalOf(const CatalogueEntry& e, const Group& g) {
     if (!p) return std::nullopt;
     return Goal{p, kShort, 1.0};
 }
+
+namespace {
 
 // ---- text ---------------------------------------------------------------------------
 

@@ -79,9 +79,7 @@ template <class V> inline BitsOf<V> bitsConstant(uint64_t value) {
 // split accesses are faster than unaligned 256-bit ones.
 
 template <class V> inline V load(const ElemOf<V>* p) {
-    // Scalars through memcpy as well: an array of the Add family may sit at
-    // any byte address, and this is then still one plain load.
-    if constexpr (kIsScalar<V>) { V v; std::memcpy(&v, p, sizeof(V)); return v; }
+    if constexpr (kIsScalar<V>) return *p;
     else if constexpr (sizeof(V) == 16) { V v; std::memcpy(&v, p, 16); return v; }
     else if constexpr (std::is_same_v<V, f32x8>)
         return (f32x8)_mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(p)), _mm_loadu_ps(p + 4), 1);
@@ -90,7 +88,7 @@ template <class V> inline V load(const ElemOf<V>* p) {
 }
 
 template <class V> inline void store(ElemOf<V>* p, V v) {
-    if constexpr (kIsScalar<V>) std::memcpy(p, &v, sizeof(V));
+    if constexpr (kIsScalar<V>) *p = v;
     else if constexpr (sizeof(V) == 16) std::memcpy(p, &v, 16);
     else if constexpr (std::is_same_v<V, f32x8>) {
         _mm_storeu_ps(p, _mm256_castps256_ps128((__m256)v));

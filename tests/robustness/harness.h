@@ -331,11 +331,18 @@ public:
         a.out[0] = r.out[0];
         if (outputCount(e) == 2) a.out[1] = r.out[1];
         a.scalar = scalar;
+        const FpState before = FpState::current();
         r.status = invoke(fn_, a, 1);
+        const FpState after = FpState::current();
+        if ((after.mxcsr & kMxcsrControlBits) != (before.mxcsr & kMxcsrControlBits) || after.x87 != before.x87) {
+            stateChanged = true;
+            before.apply();
+        }
         ++calls;
         return cache_.emplace(key, r).first->second;
     }
     long calls = 0;
+    bool stateChanged = false;  // a call alone left a control word changed
 
 private:
     const Function& fn_;
@@ -451,6 +458,7 @@ inline std::string hexBytes(const unsigned char* p, int n) {
 
 // First element at which two output arrays differ, or -1.
 inline int firstDifference(const unsigned char* a, const unsigned char* b, int len, int bytes) {
+    if (len <= 0) return -1;
     if (std::memcmp(a, b, static_cast<size_t>(len) * bytes) == 0) return -1;
     for (int i = 0; i < len; ++i)
         if (std::memcmp(a + static_cast<size_t>(i) * bytes, b + static_cast<size_t>(i) * bytes, bytes)) return i;

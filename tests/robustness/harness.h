@@ -257,6 +257,22 @@ inline Tuples tuplesFor(const CatalogueEntry& e) {
     for (int k = 0; k < 12; ++k) make([&](int s) { return moderates[scramble(k * 19 + s + 500) % moderates.size()]; });
     for (int k = 0; k < n; ++k) make([&](int s) { return static_cast<uint16_t>((k + 7 * s) % n); });
     for (int k = 0; k < 48; ++k) make([&](int s) { return static_cast<uint16_t>(scramble(k * 31 + s + 1000) % n); });
+    // Specials against specials: two NaNs (whose payload wins), infinities
+    // of both signs, signed zeros, a denormal, in the two inputs or in the
+    // two parts of a complex element.
+    std::vector<uint16_t> specials;
+    for (int k = 0; k < n; ++k) {
+        const uint64_t b = p[k].bits;
+        const bool single = realBytes(e.type) == 4;
+        const uint64_t magnitude = single ? b & 0x7FFFFFFF : b & 0x7FFFFFFFFFFFFFFFull;
+        const uint64_t infinity = single ? 0x7F800000 : 0x7FF0000000000000ull;
+        if (magnitude >= infinity || magnitude == 0 || magnitude == 1) specials.push_back(static_cast<uint16_t>(k));
+    }
+    const int per = slotsPerInputElement(e);
+    if (t.slots > 1)
+        for (uint16_t i : specials)
+            for (uint16_t j : specials)
+                make([&](int s) { return (inputCount(e) == 2 ? s >= per : (s & 1)) ? j : i; });
     t.small = 12;
     t.moderate = 12;
     t.mixed = static_cast<int>(t.all.size()) - 24;

@@ -155,13 +155,18 @@ inline bool mxcsrCovered(const CatalogueEntry& e, uint32_t w) {
 
 // Families whose design lets an element's bits depend on its neighbours:
 // the batched binary64 reciprocal of Inv and Div shares one divide among
-// four elements; in Guarded kernels a special lane sends its whole block
-// down the careful path, which for several families computes the other
-// lanes by another formula; Expm1 sends a whole block with one lane out of
-// range to its general scalar path.
+// four elements, and the extended-precision Tan of binary64 one reciprocal
+// between two; in Guarded kernels a special lane sends its whole block down
+// the careful path, which for several families computes the other lanes by
+// another formula (and in Erfc sets their statuses); Expm1 sends a whole
+// block with one lane out of range to its general scalar path; and the
+// real Sin, Cos, SinCos and Tan send every lane of a block with one large
+// argument through the large-argument reduction.
 inline bool dependsOnNeighbours(const CatalogueEntry& e) {
     if (e.style == Style::Guarded || e.style == Style::GuardedX87) return true;
     if (familyIs(e, "Expm1")) return true;
+    const bool real = e.type == ElementType::F32 || e.type == ElementType::F64;
+    if (real && (familyIs(e, "Sin") || familyIs(e, "Cos") || familyIs(e, "SinCos") || familyIs(e, "Tan"))) return true;
     if ((familyIs(e, "Inv") || familyIs(e, "Div")) && e.type == ElementType::F64 &&
         (levelIs(e, "A26") || levelIs(e, "A50")))
         return true;

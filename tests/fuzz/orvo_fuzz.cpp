@@ -109,6 +109,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         caller.apply();
         const orvoStatus status = invoke(*fn, p.arrays, len);
         const FpState after = FpState::current();
+        if (!x87StackEmpty()) fail(e, len, "x87 register stack left in use");
         saved.apply();
         if ((after.mxcsr & kMxcsrControlBits) != (state & kMxcsrControlBits))
             fail(e, len, "MXCSR control changed from %#x to %#x", state, after.mxcsr);

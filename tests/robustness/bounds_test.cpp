@@ -126,6 +126,7 @@ public:
             EXPECT_EQ(after.mxcsr & kMxcsrControlBits, before.mxcsr & kMxcsrControlBits)
                 << "MXCSR left as " << describeMxcsr(after.mxcsr);
             EXPECT_EQ(after.x87, before.x87) << "x87 control word left as " << describeX87(after.x87);
+            EXPECT_TRUE(x87StackEmpty()) << "x87 register stack left in use";
             before.apply();
 
             for (int a = 0; a < nIn; ++a) {

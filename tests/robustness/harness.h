@@ -91,6 +91,16 @@ inline std::string describeX87(uint16_t w) {
     }
 }
 
+// Whether the x87 register stack is empty, as the calling convention wants
+// it at every return: a kernel on the x87 unit that leaves a value behind
+// makes the caller's next x87 code overflow the stack.  (fxsave's abridged
+// tag byte has a bit per register in use; reading it changes nothing.)
+inline bool x87StackEmpty() {
+    alignas(16) unsigned char area[512];
+    __asm__ volatile("fxsave %0" : "=m"(area));
+    return area[4] == 0;
+}
+
 struct FpState {
     uint32_t mxcsr;
     uint16_t x87;

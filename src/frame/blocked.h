@@ -12,9 +12,13 @@
 //       the fast formula, run on f32x8/f64x4 in blocks and on float/double
 //       in the tail: one text, so both paths give the same bits;
 //   template <class I> static auto special(I bits [, I bits2])
-//       the SpecialMask test on the input patterns (binary64: high words);
+//       the SpecialMask test on the input patterns (binary64: high words),
+//       run on u32x4 pieces of four lanes in blocks and on uint32_t in the tail;
 //   static orvoStatus fixup(const T* in, [const T* in2,] T* out [, T* out2])
 //       the ScalarFixup: the lane's value and status, computed alone.
+// Optional: static void evalBlock(const V (&x)[NI][n], V (&r)[NO][n]) for a
+// family whose block is one formula (its lanes are not independent); eval is
+// then the one-element form used by the tail.
 // Optional: static constexpr bool kQuiet = true for kernels that report no
 // status and raise no event (their fixups' statuses are ignored).
 #pragma once
@@ -32,11 +36,9 @@ template <> struct BlockVector<float> { using type = simd::f32x8; };
 template <> struct BlockVector<double> { using type = simd::f64x4; };
 
 // The pattern that a SpecialMask inspects: all 32 bits of a binary32 lane,
-// the high word of a binary64 lane.
+// the high word of a binary64 lane (blocks: see patterns() below).
 inline uint32_t maskPattern(float x) { return simd::asBits(x); }
-inline simd::u32x8 maskPattern(simd::f32x8 x) { return simd::asBits(x); }
 inline uint32_t maskPattern(double x) { return simd::highWords(x); }
-inline simd::u32x4 maskPattern(simd::f64x4 x) { return simd::highWords(x); }
 
 template <class K, int NI, int NO> struct BlockedKernel {
     using T = typename K::T;
@@ -115,23 +117,60 @@ template <class K, int NI, int NO> struct BlockedKernel {
                 simd::store(dst[o] + start + v * kLanes, simd::load<V>(&scratchOut[o][v * kLanes]));
     }
 
-    static auto vectorMask(const V (&x)[NI][kVectors], int v) {
-        V xv[NI];
-        for (int a = 0; a < NI; ++a) xv[a] = x[a][v];
-        return laneMask(xv);
+    // The SpecialMask is built from the block's memory in 128-bit pieces of
+    // four 32-bit patterns: integer compares have no 256-bit form on this
+    // target, and loading the pieces is cheaper than taking the vectors apart.
+    static simd::u32x4 patterns(const T* p) {
+        if constexpr (std::is_same_v<T, float>) {
+            return simd::asBits(simd::load<simd::f32x4>(p));
+        } else {
+            const __m128 low = _mm_castpd_ps(_mm_loadu_pd(p)), high = _mm_castpd_ps(_mm_loadu_pd(p + 2));
+            return (simd::u32x4)_mm_castps_si128(_mm_shuffle_ps(low, high, 0xDD));  // the high words
+        }
     }
 
-    static unsigned blockMask(const V (&x)[NI][kVectors]) {
-        if constexpr (std::is_same_v<T, float> && kVectors == 2) {
-            return simd::laneBits16(vectorMask(x, 0), vectorMask(x, 1));
+    static auto pieceMask(const T* const (&src)[NI], int at) {
+        if constexpr (NI == 1) return K::special(patterns(src[0] + at));
+        else return K::special(patterns(src[0] + at), patterns(src[1] + at));
+    }
+
+    static unsigned blockMask(const T* const (&src)[NI], int i) {
+        if constexpr (kBlock == 16) {
+            return simd::laneBits16(pieceMask(src, i), pieceMask(src, i + 4), pieceMask(src, i + 8),
+                                    pieceMask(src, i + 12));
         } else {
             unsigned mask = 0;
-            for (int v = 0; v < kVectors; ++v) mask |= simd::laneBits(vectorMask(x, v)) << (v * kLanes);
+            for (int at = 0; at < kBlock; at += 4) mask |= simd::laneBits(pieceMask(src, i + at)) << at;
             return mask;
         }
     }
 
-    static orvoStatus run(const T* const (&src)[NI], T* const (&dst)[NO], int len) {
+    // The fast formula over a whole block: vector by vector, each lane on its
+    // own, unless the family evaluates a block as one formula (evalBlock).
+    // Unrolled, so that a long formula's block stays in registers rather
+    // than in arrays on the stack.
+    static void evaluateBlock(const V (&x)[NI][kVectors], V (&r)[NO][kVectors]) {
+        if constexpr (requires { K::evalBlock(x, r); }) {
+            K::evalBlock(x, r);
+        } else {
+#pragma GCC unroll 4
+            for (int v = 0; v < kVectors; ++v) {
+                V xv[NI], rv[NO];
+                for (int a = 0; a < NI; ++a) xv[a] = x[a][v];
+                evaluate(xv, rv);
+                for (int o = 0; o < NO; ++o) r[o][v] = rv[o];
+            }
+        }
+    }
+
+    static orvoStatus run(const T* const (&srcArrays)[NI], T* const (&dstArrays)[NO], int len) {
+        // The loops read the array pointers from copies that never escape:
+        // vector stores may alias anything, so pointers that the slow paths
+        // can see would be reloaded after every store.
+        const T* src[NI];
+        T* dst[NO];
+        for (int a = 0; a < NI; ++a) src[a] = srcArrays[a];
+        for (int o = 0; o < NO; ++o) dst[o] = dstArrays[o];
         orvoStatus kept = orvoOk;
         const int full = len & ~(kBlock - 1);
         for (int i = 0; i < full; i += kBlock) {
@@ -139,15 +178,17 @@ template <class K, int NI, int NO> struct BlockedKernel {
             V r[NO][kVectors];
             for (int a = 0; a < NI; ++a)
                 for (int v = 0; v < kVectors; ++v) x[a][v] = simd::load<V>(src[a] + i + v * kLanes);
-            const unsigned mask = blockMask(x);
-            for (int v = 0; v < kVectors; ++v) {
-                V xv[NI], rv[NO];
-                for (int a = 0; a < NI; ++a) xv[a] = x[a][v];
-                evaluate(xv, rv);
-                for (int o = 0; o < NO; ++o) r[o][v] = rv[o];
-            }
+            const unsigned mask = blockMask(src, i);
+            evaluateBlock(x, r);
             if (__builtin_expect(mask != 0, 0)) {
-                settleBlock(mask, x, r, src, dst, static_cast<uint32_t>(i), kept);
+                // Copies made here, so that only this path keeps the block
+                // in memory: the fast path stores its results and nothing else.
+                V xs[NI][kVectors], rs[NO][kVectors];
+                for (int a = 0; a < NI; ++a)
+                    for (int v = 0; v < kVectors; ++v) xs[a][v] = x[a][v];
+                for (int o = 0; o < NO; ++o)
+                    for (int v = 0; v < kVectors; ++v) rs[o][v] = r[o][v];
+                settleBlock(mask, xs, rs, srcArrays, dstArrays, static_cast<uint32_t>(i), kept);
                 continue;
             }
             for (int o = 0; o < NO; ++o)
@@ -164,7 +205,7 @@ template <class K, int NI, int NO> struct BlockedKernel {
                 T* out[NO];
                 for (int a = 0; a < NI; ++a) in[a] = &x[a];
                 for (int o = 0; o < NO; ++o) out[o] = &r[o];
-                settleLane(in, out, src, dst, static_cast<uint32_t>(i), kept);
+                settleLane(in, out, srcArrays, dstArrays, static_cast<uint32_t>(i), kept);
             }
             for (int o = 0; o < NO; ++o) dst[o][i] = r[o];
         }

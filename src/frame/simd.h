@@ -9,7 +9,7 @@
 // header.  Built without FMA and with contraction off, nothing fuses.
 //
 // Integer work on bit patterns uses unsigned lanes (wrapping arithmetic);
-// comparisons that the design states as signed go through gtSigned().
+// signed comparisons of patterns go through gtSigned().
 #pragma once
 
 #include <immintrin.h>
@@ -129,9 +129,15 @@ template <class V, class I> inline V gather(const ElemOf<V>* table, I index) {
 template <class I> inline auto gtSigned(I bits, int64_t threshold) {
     if constexpr (std::is_same_v<I, uint32_t>) return static_cast<int32_t>(bits) > static_cast<int32_t>(threshold);
     else if constexpr (std::is_same_v<I, uint64_t>) return static_cast<int64_t>(bits) > threshold;
-    else if constexpr (sizeof(LaneOf<I>) == 4) {
-        using Signed = std::conditional_t<sizeof(I) == 32, i32x8, i32x4>;
-        return (Signed)bits > static_cast<int32_t>(threshold);
+    else if constexpr (sizeof(LaneOf<I>) == 4 && sizeof(I) == 32) {
+        // Two 128-bit compares: without AVX2 the compiler would otherwise
+        // compare the eight lanes one by one.
+        const i32x8 s = (i32x8)bits;
+        const i32x4 low = __builtin_shufflevector(s, s, 0, 1, 2, 3) > static_cast<int32_t>(threshold);
+        const i32x4 high = __builtin_shufflevector(s, s, 4, 5, 6, 7) > static_cast<int32_t>(threshold);
+        return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+    } else if constexpr (sizeof(LaneOf<I>) == 4) {
+        return (i32x4)bits > static_cast<int32_t>(threshold);
     } else {
         using Signed = std::conditional_t<sizeof(I) == 32, i64x4, i64x2>;
         return (Signed)bits > threshold;
@@ -210,13 +216,81 @@ inline unsigned laneBits(i64x4 m) { return static_cast<unsigned>(_mm256_movemask
 // Sixteen 32-bit lane masks in four 128-bit quarters narrowed by saturating
 // packs to one byte per lane, then one byte-sign extraction: the mask word
 // of a 16-element binary32 block without any 256-bit integer instruction.
-inline unsigned laneBits16(i32x8 a, i32x8 b) {
-    __m128i qa0 = (__m128i)__builtin_shufflevector(a, a, 0, 1, 2, 3);
-    __m128i qa1 = (__m128i)__builtin_shufflevector(a, a, 4, 5, 6, 7);
-    __m128i qb0 = (__m128i)__builtin_shufflevector(b, b, 0, 1, 2, 3);
-    __m128i qb1 = (__m128i)__builtin_shufflevector(b, b, 4, 5, 6, 7);
-    __m128i bytes = _mm_packs_epi16(_mm_packs_epi32(qa0, qa1), _mm_packs_epi32(qb0, qb1));
+inline unsigned laneBits16(i32x4 qa0, i32x4 qa1, i32x4 qb0, i32x4 qb1) {
+    __m128i bytes = _mm_packs_epi16(_mm_packs_epi32((__m128i)qa0, (__m128i)qa1), _mm_packs_epi32((__m128i)qb0, (__m128i)qb1));
     return static_cast<unsigned>(_mm_movemask_epi8(bytes));
 }
+inline unsigned laneBits16(i32x8 a, i32x8 b) {
+    return laneBits16(__builtin_shufflevector(a, a, 0, 1, 2, 3), __builtin_shufflevector(a, a, 4, 5, 6, 7),
+                      __builtin_shufflevector(b, b, 0, 1, 2, 3), __builtin_shufflevector(b, b, 4, 5, 6, 7));
+}
+
+// Table look-up of (hi, lo) rows stored side by side: one 64-bit (binary32)
+// or 128-bit (binary64) load per lane, then the two columns pulled apart.
+template <class V, class I> inline void gatherPair(const ElemOf<V>* rows, I index, V& hi, V& lo) {
+    if constexpr (kIsScalar<V>) {
+        hi = rows[2 * index];
+        lo = rows[2 * index + 1];
+    } else if constexpr (std::is_same_v<V, f32x8>) {
+        auto row = [&](int i) { return rows + 2 * static_cast<size_t>(index[i]); };
+        auto twoRows = [&](int i) {
+            const __m128 first = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(row(i)));
+            return _mm_loadh_pi(first, reinterpret_cast<const __m64*>(row(i + 1)));
+        };
+        const __m256 a = _mm256_insertf128_ps(_mm256_castps128_ps256(twoRows(0)), twoRows(4), 1);
+        const __m256 b = _mm256_insertf128_ps(_mm256_castps128_ps256(twoRows(2)), twoRows(6), 1);
+        hi = (f32x8)_mm256_shuffle_ps(a, b, 0x88);
+        lo = (f32x8)_mm256_shuffle_ps(a, b, 0xDD);
+    } else {
+        static_assert(std::is_same_v<V, f64x4>);
+        auto row = [&](int i) { return rows + 2 * static_cast<size_t>(index[i]); };
+        auto twoRows = [&](int i, int j) {
+            return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(row(i))), _mm_loadu_pd(row(j)), 1);
+        };
+        const __m256d a = twoRows(0, 2), b = twoRows(1, 3);
+        hi = (f64x4)_mm256_unpacklo_pd(a, b);
+        lo = (f64x4)_mm256_unpackhi_pd(a, b);
+    }
+}
+
+// ---- binary32 values carried in the low words of 64-bit lanes ----------
+// Kernels of binary64 that take the single-precision estimate of a surrogate
+// build the surrogate's pattern in the low word of each 64-bit lane; these
+// move such words into binary32 lanes and back (zero-extended).
+inline uint32_t lowWords(uint64_t b) { return static_cast<uint32_t>(b); }
+inline u32x4 lowWords(u64x4 b) { return __builtin_convertvector(b, u32x4); }
+inline u32x4 lowWords(u64x2 b) {
+    const u32x4 w = std::bit_cast<u32x4>(b);
+    return __builtin_shufflevector(w, u32x4{}, 0, 2, 4, 4);
+}
+inline uint64_t zeroExtendWords(uint32_t w) { return w; }
+inline u64x2 zeroExtendWords(u32x4 w) { return std::bit_cast<u64x2>(__builtin_shufflevector(w, u32x4{}, 0, 4, 1, 4)); }
+
+// ---- polynomials ----------------------------------------------------------
+// Horner's rule, coefficients given as bit patterns, highest degree first.
+template <class V, size_t N> inline V horner(const uint64_t (&c)[N], V t) {
+    V p = constant<V>(c[0]);
+    for (size_t i = 1; i < N; ++i) p = p * t + constant<V>(c[i]);
+    return p;
+}
+
+// ---- signed "less than" on patterns, integer lanes to floating lanes (logarithms) ----
+// ltSigned(bits, T): bits < T as signed 32-bit integers, the mirror of
+// gtSigned.  toFloat and toDouble convert signed 32-bit lanes exactly.
+inline bool ltSigned(uint32_t bits, int32_t threshold) { return static_cast<int32_t>(bits) < threshold; }
+inline i32x4 ltSigned(u32x4 bits, int32_t threshold) {
+    // The threshold is hidden from the optimiser, which would otherwise turn
+    // the one compare into a min and an equality test.
+    __m128i t = _mm_set1_epi32(threshold);
+    asm("" : "+x"(t));
+    return (i32x4)_mm_cmpgt_epi32(t, (__m128i)bits);
+}
+inline int32_t asSigned(uint32_t b) { return static_cast<int32_t>(b); }
+inline i32x4 asSigned(u32x4 b) { return (i32x4)b; }
+inline i32x8 asSigned(u32x8 b) { return (i32x8)b; }
+inline float toFloat(int32_t v) { return static_cast<float>(v); }
+inline f32x8 toFloat(i32x8 v) { return (f32x8)_mm256_cvtepi32_ps((__m256i)v); }
+inline double toDouble(int32_t v) { return static_cast<double>(v); }
+inline f64x4 toDouble(i32x4 v) { return (f64x4)_mm256_cvtepi32_pd((__m128i)v); }
 
 }  // namespace orvo::simd

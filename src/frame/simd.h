@@ -313,4 +313,11 @@ inline f32x8 toFloat(i32x8 v) { return (f32x8)_mm256_cvtepi32_ps((__m256i)v); }
 inline double toDouble(int32_t v) { return static_cast<double>(v); }
 inline f64x4 toDouble(i32x4 v) { return (f64x4)_mm256_cvtepi32_pd((__m128i)v); }
 
+// ---- clang: masks of binary64 compares (the libFuzzer build) ----
+// clang's compare of binary64 lanes gives long long lanes, GCC's long ones.
+#ifdef __clang__
+inline unsigned laneBits(long long __attribute__((vector_size(16))) m) { return laneBits((i64x2)m); }
+inline unsigned laneBits(long long __attribute__((vector_size(32))) m) { return laneBits((i64x4)m); }
+#endif
+
 }  // namespace orvo::simd

@@ -131,6 +131,15 @@ std::string libraryOf(const std::vector<Group>& groups, Source source) {
     return "not found";
 }
 
+// The load average when the document is written: the figures of a busy
+// machine are less sure, the memory-bound ones at 1M above all.
+std::string loadAverage() {
+    std::ifstream in("/proc/loadavg");
+    double one = 0, five = 0;
+    if (!(in >> one >> five)) return "unknown";
+    return fmt("%.2f", one) + " (1 min), " + fmt("%.2f", five) + " (5 min)";
+}
+
 std::string today() {
     const std::time_t now = std::time(nullptr);
     char b[32];
@@ -156,9 +165,10 @@ void writePerformance(std::FILE* out, const std::vector<Group>& groups, const Re
                       int repetitions) {
     std::fprintf(out,
                  "# Performance\n\n"
-                 "Written by `scripts/bench` (do not edit by hand) on %s: orvo %s; %s; GCC %s; glibc %s; %s.\n\n",
-                 today().c_str(), orvoGetLibVersion()->version, cpuModel().c_str(), __VERSION__, gnu_get_libc_version(),
-                 libraryOf(groups, Source::Sleef).c_str());
+                 "Written by `scripts/bench` (do not edit by hand) on %s: orvo %s; %s, load average %s at the end "
+                 "of the run; GCC %s; glibc %s; %s.\n\n",
+                 today().c_str(), orvoGetLibVersion()->version, cpuModel().c_str(), loadAverage().c_str(), __VERSION__,
+                 gnu_get_libc_version(), libraryOf(groups, Source::Sleef).c_str());
     std::fprintf(out,
                  "Every figure is nanoseconds per element: the fastest of %d rounds of calls, each round at least "
                  "4 ms, measured by the same code as the throughput column of `orvo-report`%s. **1K**: calls of %d "

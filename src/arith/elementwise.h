@@ -10,9 +10,27 @@ namespace orvo::arith {
 
 using namespace simd;
 
-struct AddOp { template <class W> static W apply(W a, W b) { return a + b; } };
+// src1 must be the first source operand of the instruction: of two NaNs,
+// that operand's is the result.  The compiler takes IEEE addition and
+// multiplication as commutative and swaps their operands at will (a memory
+// operand goes second), so these two are written as the instructions.
+// Subtraction can't be swapped.
+#define ORVO_FIRST_OPERAND_OP(name, ss, sd, ps, pd)                                                   \
+    template <class W> inline W name(W a, W b) {                                                          \
+        W r;                                                                                                \
+        if constexpr (std::is_same_v<W, float>) __asm__(ss " %2, %1, %0" : "=x"(r) : "x"(a), "x"(b));      \
+        else if constexpr (std::is_same_v<W, double>) __asm__(sd " %2, %1, %0" : "=x"(r) : "x"(a), "x"(b)); \
+        else if constexpr (std::is_same_v<LaneOf<W>, float>) __asm__(ps " %2, %1, %0" : "=x"(r) : "x"(a), "x"(b)); \
+        else __asm__(pd " %2, %1, %0" : "=x"(r) : "x"(a), "x"(b));                                          \
+        return r;                                                                                           \
+    }
+ORVO_FIRST_OPERAND_OP(addFirstOperand, "vaddss", "vaddsd", "vaddps", "vaddpd")
+ORVO_FIRST_OPERAND_OP(mulFirstOperand, "vmulss", "vmulsd", "vmulps", "vmulpd")
+#undef ORVO_FIRST_OPERAND_OP
+
+struct AddOp { template <class W> static W apply(W a, W b) { return addFirstOperand(a, b); } };
 struct SubOp { template <class W> static W apply(W a, W b) { return a - b; } };
-struct MulOp { template <class W> static W apply(W a, W b) { return a * b; } };
+struct MulOp { template <class W> static W apply(W a, W b) { return mulFirstOperand(a, b); } };
 
 // Add, Sub, Mul of real arrays: stores reach a 32-byte aligned dst (the
 // costlier side of a split access); short calls skip the peel and the

@@ -104,19 +104,26 @@ template <class K> struct GuardedKernel {
         walkConditions<K::kWalk>(domain & valid, singularity & valid, kept);
     }
 
-    // One block of N vectors at src, dst.
+    // One block of N vectors at src, dst.  The loops are unrolled so that
+    // the block stays in registers on the fast path; only a careful block
+    // goes through memory.
     template <int N> static void block(const T* src, T* dst, orvoStatus& kept) {
         V x[N];
         unsigned mask = 0;
+#pragma GCC unroll 4
         for (int v = 0; v < N; ++v) {
             x[v] = simd::load<V>(src + v * kLanes);
             mask |= specialLanes(x[v]) << (v * kLanes);
         }
         if (__builtin_expect(mask == 0, 1)) {
+#pragma GCC unroll 4
             for (int v = 0; v < N; ++v) simd::store(dst + v * kLanes, K::fast(x[v]));
             return;
         }
-        carefulVectors(x, N, dst, ~0u, kept);
+        // A copy made here, so that only this path puts the block in memory.
+        V copy[N];
+        for (int v = 0; v < N; ++v) copy[v] = x[v];
+        carefulVectors(copy, N, dst, ~0u, kept);
     }
 
     // `count` (fewer than the lanes) elements gathered into one vector whose

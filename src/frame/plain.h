@@ -43,15 +43,24 @@ template <class K, int NI> struct PlainKernel {
         else return K::eval(x[0]);
     }
 
-    // Blocks over [from, from + count), count a multiple of the block.
-    static void blocks(const T* const (&src)[NI], T* dst, int64_t from, int64_t count) {
+    // Blocks over [from, from + count), count a multiple of the block.  The
+    // array pointers are copied to locals and the loops over a block's
+    // vectors unrolled, so that the block lives in registers: a store may
+    // alias anything, and pointers or vectors kept in memory would be
+    // reloaded after each one.
+    static void blocks(const T* const (&srcArrays)[NI], T* dst, int64_t from, int64_t count) {
+        const T* src[NI];
+        for (int a = 0; a < NI; ++a) src[a] = srcArrays[a];
         for (int64_t i = from; i < from + count; i += kBlock) {
             V x[NI][kBlock / kLanes];
+#pragma GCC unroll 16
             for (int a = 0; a < NI; ++a)
+#pragma GCC unroll 16
                 for (int v = 0; v < kBlock / kLanes; ++v) {
                     const T* p = src[a] + i + v * kLanes;
                     x[a][v] = K::kPeel == Peel::Source ? simd::loadAligned<V>(p) : simd::load<V>(p);
                 }
+#pragma GCC unroll 16
             for (int v = 0; v < kBlock / kLanes; ++v) {
                 V xv[NI];
                 for (int a = 0; a < NI; ++a) xv[a] = x[a][v];

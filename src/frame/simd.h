@@ -113,18 +113,41 @@ template <class V> inline V loadAligned(const ElemOf<V>* p) {
     else return load<V>(p);
 }
 
+// The lanes of an index vector as integers for addressing.  They pass
+// through memory: one vector store and a scalar load per lane cost less
+// than taking the lanes out of the register one by one (two instructions
+// each for all but the first of every 128-bit half).
+template <class I> struct LaneIndices {
+    LaneOf<I> at[sizeof(I) / sizeof(LaneOf<I>)];
+    explicit LaneIndices(I index) {
+        std::memcpy(at, &index, sizeof at);
+        asm("" : "+m"(at));  // kept in memory: no lane-by-lane extraction
+    }
+    size_t operator[](int i) const { return at[i]; }
+};
+
 // Table look-up lane by lane: the target has no gather instruction.
 template <class V, class I> inline V gather(const ElemOf<V>* table, I index) {
     if constexpr (kIsScalar<V>) return table[index];
     else {
+        const LaneIndices<I> at(index);
         V r;
-        for (int i = 0; i < kLanes<V>; ++i) r[i] = table[index[i]];
+        for (int i = 0; i < kLanes<V>; ++i) r[i] = table[at[i]];
         return r;
     }
 }
 
 // ---- comparisons and selection -----------------------------------------
 // Masks are all-ones lanes (vectors) or bool (scalars); | and & combine both.
+
+// A threshold of signed compares on 32-bit lanes, hidden from the optimiser,
+// which would otherwise turn some compares with a constant (x > -2^21 - 1)
+// into a min and an equality test: two instructions for one.
+inline i32x4 opaqueThreshold(int32_t threshold) {
+    __m128i t = _mm_set1_epi32(threshold);
+    asm("" : "+x"(t));
+    return (i32x4)t;
+}
 
 template <class I> inline auto gtSigned(I bits, int64_t threshold) {
     if constexpr (std::is_same_v<I, uint32_t>) return static_cast<int32_t>(bits) > static_cast<int32_t>(threshold);
@@ -133,11 +156,12 @@ template <class I> inline auto gtSigned(I bits, int64_t threshold) {
         // Two 128-bit compares: without AVX2 the compiler would otherwise
         // compare the eight lanes one by one.
         const i32x8 s = (i32x8)bits;
-        const i32x4 low = __builtin_shufflevector(s, s, 0, 1, 2, 3) > static_cast<int32_t>(threshold);
-        const i32x4 high = __builtin_shufflevector(s, s, 4, 5, 6, 7) > static_cast<int32_t>(threshold);
+        const i32x4 t = opaqueThreshold(static_cast<int32_t>(threshold));
+        const i32x4 low = __builtin_shufflevector(s, s, 0, 1, 2, 3) > t;
+        const i32x4 high = __builtin_shufflevector(s, s, 4, 5, 6, 7) > t;
         return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
     } else if constexpr (sizeof(LaneOf<I>) == 4) {
-        return (i32x4)bits > static_cast<int32_t>(threshold);
+        return (i32x4)bits > opaqueThreshold(static_cast<int32_t>(threshold));
     } else {
         using Signed = std::conditional_t<sizeof(I) == 32, i64x4, i64x2>;
         return (Signed)bits > threshold;
@@ -232,7 +256,8 @@ template <class V, class I> inline void gatherPair(const ElemOf<V>* rows, I inde
         hi = rows[2 * index];
         lo = rows[2 * index + 1];
     } else if constexpr (std::is_same_v<V, f32x8>) {
-        auto row = [&](int i) { return rows + 2 * static_cast<size_t>(index[i]); };
+        const LaneIndices<I> at(index);
+        auto row = [&](int i) { return rows + 2 * at[i]; };
         auto twoRows = [&](int i) {
             const __m128 first = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(row(i)));
             return _mm_loadh_pi(first, reinterpret_cast<const __m64*>(row(i + 1)));
@@ -243,7 +268,8 @@ template <class V, class I> inline void gatherPair(const ElemOf<V>* rows, I inde
         lo = (f32x8)_mm256_shuffle_ps(a, b, 0xDD);
     } else {
         static_assert(std::is_same_v<V, f64x4>);
-        auto row = [&](int i) { return rows + 2 * static_cast<size_t>(index[i]); };
+        const LaneIndices<I> at(index);
+        auto row = [&](int i) { return rows + 2 * at[i]; };
         auto twoRows = [&](int i, int j) {
             return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(row(i))), _mm_loadu_pd(row(j)), 1);
         };
@@ -278,13 +304,7 @@ template <class V, size_t N> inline V horner(const uint64_t (&c)[N], V t) {
 // ltSigned(bits, T): bits < T as signed 32-bit integers, the mirror of
 // gtSigned.  toFloat and toDouble convert signed 32-bit lanes exactly.
 inline bool ltSigned(uint32_t bits, int32_t threshold) { return static_cast<int32_t>(bits) < threshold; }
-inline i32x4 ltSigned(u32x4 bits, int32_t threshold) {
-    // The threshold is hidden from the optimiser, which would otherwise turn
-    // the one compare into a min and an equality test.
-    __m128i t = _mm_set1_epi32(threshold);
-    asm("" : "+x"(t));
-    return (i32x4)_mm_cmpgt_epi32(t, (__m128i)bits);
-}
+inline i32x4 ltSigned(u32x4 bits, int32_t threshold) { return opaqueThreshold(threshold) > (i32x4)bits; }
 inline int32_t asSigned(uint32_t b) { return static_cast<int32_t>(b); }
 inline i32x4 asSigned(u32x4 b) { return (i32x4)b; }
 inline i32x8 asSigned(u32x8 b) { return (i32x8)b; }
@@ -292,5 +312,12 @@ inline float toFloat(int32_t v) { return static_cast<float>(v); }
 inline f32x8 toFloat(i32x8 v) { return (f32x8)_mm256_cvtepi32_ps((__m256i)v); }
 inline double toDouble(int32_t v) { return static_cast<double>(v); }
 inline f64x4 toDouble(i32x4 v) { return (f64x4)_mm256_cvtepi32_pd((__m128i)v); }
+
+// ---- clang: masks of binary64 compares (the libFuzzer build) ----
+// clang's compare of binary64 lanes gives long long lanes, GCC's long ones.
+#ifdef __clang__
+inline unsigned laneBits(long long __attribute__((vector_size(16))) m) { return laneBits((i64x2)m); }
+inline unsigned laneBits(long long __attribute__((vector_size(32))) m) { return laneBits((i64x4)m); }
+#endif
 
 }  // namespace orvo::simd

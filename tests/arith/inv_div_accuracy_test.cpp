@@ -30,7 +30,9 @@ template <class T> double ulpError(T got, T a, T y) {
     if (std::isinf(got)) mpfr_set_si_2exp(g, got > 0 ? 1 : -1, emax, MPFR_RNDN);
     else mpfr_set_d(g, got, MPFR_RNDN);
     mpfr_sub(g, g, e, MPFR_RNDN);
-    mpfr_mul_2si(g, g, -std::max(std::min<long>(mpfr_get_exp(e), emax) - p, floor), MPFR_RNDN);
+    // (Clamped before subtracting: the exponent of an exact zero is the
+    // most negative long.)
+    mpfr_mul_2si(g, g, -(std::max(std::min<long>(mpfr_get_exp(e), emax), floor + p) - p), MPFR_RNDN);
     const double error = std::isnan(got) ? INFINITY : std::fabs(mpfr_get_d(g, MPFR_RNDU));
     mpfr_clears(e, g, (mpfr_ptr)0);
     return error;

@@ -455,10 +455,10 @@ std::vector<Domain> makeDomains() {
                                          hi(0x7FEF0000), hi(0x00100000), val(1), val(2), val(4)};
     add({.family = "Sqrt", .complex = false, .about = "positive numbers by exponent, some negative; the top of the range",
          .first = positive, .marks = rootMarks, .baseline = "sqrtf", .loop32 = unaryLoop<float, sqrtf>,
-         .loop64 = unaryLoop<double, sqrt>, .benchLo = 0, .benchHi = 100, .approx = sqrt});
+         .loop64 = unaryLoop<double, sqrt>, .approx = sqrt});
     add({.family = "InvSqrt", .complex = false, .about = "positive numbers by exponent, some negative; the top of the range",
          .first = positive, .marks = rootMarks, .baseline = "1/sqrtf", .loop32 = unaryLoop<float, invSqrt<float>>,
-         .loop64 = unaryLoop<double, invSqrt<double>>, .benchLo = 0, .benchHi = 100, .approx = invSqrt<double>});
+         .loop64 = unaryLoop<double, invSqrt<double>>, .approx = invSqrt<double>});
     const std::vector<Piece> cubeArgs = {spread(-kInf, kInf, 3), uniform(-30, 30, 1)};
     const std::vector<Mark> cubeMarks = {f32(0x00800000), f32(0x7F7FFFFF), hi(0x00100000), hi(0x7FEFFFFF),
                                          val(8), val(-27), val(2), val(4), val(1)};
@@ -476,8 +476,7 @@ std::vector<Domain> makeDomains() {
          .about = "positive numbers by exponent, some negative (no real value); results at overflow",
          .first = positive,
          .marks = {f32(0x00800000), f32(0x7F7FFFFF), val(1), val(4), val(0x1p85, 0, T32), val(0x1.965fea53d6e3dp+682, 0, T64)},
-         .baseline = "x*sqrtf", .loop32 = unaryLoop<float, timesSqrt<float>>, .loop64 = unaryLoop<double, timesSqrt<double>>,
-         .benchLo = 0, .benchHi = 100, .approx = timesSqrt<double>});
+         .baseline = "x*sqrtf", .loop32 = unaryLoop<float, timesSqrt<float>>, .loop64 = unaryLoop<double, timesSqrt<double>>, .approx = timesSqrt<double>});
     add({.family = "Hypot", .complex = false,
          .about = "all pairs; sums of squares around the mask's band; parts far apart",
          .first = kAnywhere, .related = hypotRelated, .baseline = "hypotf", .loop32 = binaryLoop<float, hypotf>,
@@ -526,26 +525,23 @@ std::vector<Domain> makeDomains() {
     add({.family = "Ln", .complex = false,
          .about = "positive numbers by exponent, some negative; near 1; the 2/3 split and the table's switch at 724",
          .first = logArgs, .marks = logMarks, .baseline = "logf", .loop32 = unaryLoop<float, logf>,
-         .loop64 = unaryLoop<double, log>, .benchLo = 1e-3, .benchHi = 1e3, .approx = log});
+         .loop64 = unaryLoop<double, log>, .approx = log});
     std::vector<Mark> log10Marks = logMarks;
     for (double v : {1 + 0.005859375, 1 - 0.005859375, 10.0, 100.0, 1000.0, 0.1}) log10Marks.push_back(val(v));
     add({.family = "Log10", .complex = false, .about = "as Ln; powers of ten", .first = logArgs, .marks = log10Marks,
-         .baseline = "log10f", .loop32 = unaryLoop<float, log10f>, .loop64 = unaryLoop<double, log10>,
-         .benchLo = 1e-3, .benchHi = 1e3, .approx = log10});
+         .baseline = "log10f", .loop32 = unaryLoop<float, log10f>, .loop64 = unaryLoop<double, log10>, .approx = log10});
     add({.family = "Expm1", .complex = false,
          .about = "all of the range; near 0; the block test's bounds, the general path's branches",
          .first = {spread(-kInf, kInf, 1), uniform(-1, 1, 2), uniform(-40, 89, 2, T32), uniform(-40, 710, 2, T64),
                    near(0, 0.5, 1)},
          .marks = {f32(0x3B800000), f32(0x42B17217), val(709.78271289338397), val(-38.816242111356935), hi(0x3FD33333),
                    hi(0x40862E42), hi(0x4055A92D), hi(0x404419EC), hi(0x3F700000), hi(0x3C600000)},
-         .baseline = "expm1f", .loop32 = unaryLoop<float, expm1f>, .loop64 = unaryLoop<double, expm1>,
-         .benchLo = -2, .benchHi = 2, .approx = expm1});
+         .baseline = "expm1f", .loop32 = unaryLoop<float, expm1f>, .loop64 = unaryLoop<double, expm1>, .approx = expm1});
     add({.family = "Log1p", .complex = false, .about = "above -1 by exponent; near 0 and near -1; the masks' limits",
          .first = {spread(-1, kInf, 3), spread(-kInf, -1, 0.2), near(0, 0.5, 2), near(-1, 0.5, 1)},
          .marks = {val(-1), f32(0xBF7FFFFF), f32(0x7A800000), f32(0x39800000), f32(0x7F000000), f64(0xBFEFFFFFFFFFFFFF),
                    f64(0x7F3FFFFFFFFFF000), f64(0x3E00000000000000)},
-         .baseline = "log1pf", .loop32 = unaryLoop<float, log1pf>, .loop64 = unaryLoop<double, log1p>,
-         .benchLo = -0.5, .benchHi = 10, .approx = log1p});
+         .baseline = "log1pf", .loop32 = unaryLoop<float, log1pf>, .loop64 = unaryLoop<double, log1p>, .approx = log1p});
     const std::vector<Piece> baseArgs = {spread(0, kInf, 3), spread(-kInf, 0, 1), near(1, 0.5, 1), uniform(0, 10, 1)};
     const std::vector<Piece> powerArgs = {spread(-kInf, kInf, 2), uniform(-10, 10, 2), multiples(1, 0x1p30, 1)};
     const std::vector<Mark> powMarks = {val(1), f32(0x7F7FFFFF), hi(0x7F800000, 1), val(0x1p53, 1), val(0x1p24, 1, T32),
@@ -553,15 +549,13 @@ std::vector<Domain> makeDomains() {
     add({.family = "Pow", .complex = false,
          .about = "all pairs; y log x near every overflow and underflow limit; negative bases with integer powers",
          .first = baseArgs, .second = powerArgs, .marks = powMarks, .related = powRelated, .cost = 1.5,
-         .baseline = "powf", .loop32 = binaryLoop<float, powf>, .loop64 = binaryLoop<double, pow>,
-         .benchLo = 0.5, .benchHi = 4});
+         .baseline = "powf", .loop32 = binaryLoop<float, powf>, .loop64 = binaryLoop<double, pow>});
     add({.family = "Powx", .complex = false,
          .about = "as Pow, grouped by scalar: the squaring powers 2, 3, 4, zero, one, halves, NaN, infinities",
          .first = baseArgs, .second = powerArgs, .marks = powMarks, .related = powRelated,
          .scalars = {2, 3, 4, 0, -0.0, 1, -1, 0.5, -0.5, 1.0 / 3, 2.5, -3, 10, -10, 100, 0x1p24, 7, 1e-3, 0.75, kInf,
                      -kInf, std::numeric_limits<double>::quiet_NaN()},
-         .cost = 1.5, .baseline = "powf", .loop32 = scalarLoop<float, powf>, .loop64 = scalarLoop<double, pow>,
-         .benchLo = 0.5, .benchHi = 4});
+         .cost = 1.5, .baseline = "powf", .loop32 = scalarLoop<float, powf>, .loop64 = scalarLoop<double, pow>});
 
     // Hyperbolic functions.
     const std::vector<Piece> hyperbolicArgs = {spread(-kInf, kInf, 1), uniform(-90, 90, 2, T32), uniform(-711, 711, 2, T64),
@@ -591,13 +585,11 @@ std::vector<Domain> makeDomains() {
          .first = {spread(1, kInf, 3), near(1, 1, 2), spread(-kInf, 1, 0.3), uniform(1, 10, 1)},
          .marks = {val(1), val(1.5), f32(0x5F800000), val(4), f32(0x5F0AC723), f64(0x3FF214855DA27286), val(0x1p512, 0, T64),
                    f64(0x5FEFFFFFFFFFFFFF), val(1.0625), val(0x1p28)},
-         .baseline = "acoshf", .loop32 = unaryLoop<float, acoshf>, .loop64 = unaryLoop<double, acosh>,
-         .benchLo = 1, .benchHi = 20, .approx = acosh});
+         .baseline = "acoshf", .loop32 = unaryLoop<float, acoshf>, .loop64 = unaryLoop<double, acosh>, .approx = acosh});
     add({.family = "Atanh", .complex = false, .about = "(-1, 1) uniform and by exponent, near +-1, some outside",
          .first = {uniform(-1, 1, 2), spread(-1, 1, 2), near(1, 0.5, 1), near(-1, 0.5, 1), spread(-kInf, kInf, 0.3)},
          .marks = {val(1), val(0.5), val(0.6), val(0.75), val(0.6875), hi(0x3F700000), hi(0x3FEFFFFF)},
-         .baseline = "atanhf", .loop32 = unaryLoop<float, atanhf>, .loop64 = unaryLoop<double, atanh>,
-         .benchLo = -0.99, .benchHi = 0.99, .approx = atanh});
+         .baseline = "atanhf", .loop32 = unaryLoop<float, atanhf>, .loop64 = unaryLoop<double, atanh>, .approx = atanh});
 
     // Trigonometric functions: near multiples of pi/2 at every size, the
     // fast paths' limits, the large-argument reductions.
@@ -623,10 +615,10 @@ std::vector<Domain> makeDomains() {
                                          spread(-kInf, kInf, 0.3)};
     add({.family = "Asin", .complex = false, .about = "[-1, 1] uniform and by exponent; near +-1 and 1/2; some outside",
          .first = unitArgs, .marks = {val(0.5), val(1)}, .baseline = "asinf", .loop32 = unaryLoop<float, asinf>,
-         .loop64 = unaryLoop<double, asin>, .benchLo = -1, .benchHi = 1, .approx = asin});
+         .loop64 = unaryLoop<double, asin>, .approx = asin});
     add({.family = "Acos", .complex = false, .about = "[-1, 1] uniform and by exponent; near +-1 and 1/2; some outside",
          .first = unitArgs, .marks = {val(0.5), val(1)}, .baseline = "acosf", .loop32 = unaryLoop<float, acosf>,
-         .loop64 = unaryLoop<double, acos>, .benchLo = -1, .benchHi = 1, .approx = acos});
+         .loop64 = unaryLoop<double, acos>, .approx = acos});
     const std::vector<Mark> atanMarks = {f32(0x01000000), f32(0x7D000000), val(1), f32(0x3EC00000), f32(0x3F3851EC),
                                          f32(0x3FE00000), f32(0x402C0000), hi(0x3FDC0000), hi(0x3FE60000), hi(0x3FF30000),
                                          hi(0x40038000), hi(0x00300000), hi(0x7E000000)};
@@ -646,32 +638,31 @@ std::vector<Domain> makeDomains() {
          .first = {spread(-kInf, kInf, 1), uniform(-6, 6, 3)},
          .marks = {val(3), val(4), f32(0x3CF80000), f32(0x20800000), val(3.875), hi(0x3FBE0000), val(6, 0, T64),
                    val(5.5, 0, T64), val(5.92157, 0, T64), hi(0x1FF00000), f64(0x0000010000000000), f64(0x000E2DFC48DA77B5)},
-         .cost = 4, .baseline = "erff", .loop32 = unaryLoop<float, erff>, .loop64 = unaryLoop<double, erf>,
-         .benchLo = -4, .benchHi = 4, .approx = erf});
+         .cost = 4, .baseline = "erff", .loop32 = unaryLoop<float, erff>, .loop64 = unaryLoop<double, erf>, .approx = erf});
     add({.family = "Erfc", .complex = false,
          .about = "all of the range; dense up to where erfc vanishes; the block rule's and underflow bounds",
          .first = {spread(-kInf, kInf, 1), uniform(-6, 11, 3, T32), uniform(-6, 28, 3, T64)},
          .marks = {f32(0x4120DDFC), f32(0xC07547CA), f32(0x41131CE0), f32(0x32000000), f32(0x3C780000), val(10.5),
                    hi(0x403B39DC), f64(0x403A8B12FC6E4891), hi(0x403A8B12), hi(0x3C800000)},
          .outside = erfcOutside, .cost = 4, .baseline = "erfcf", .loop32 = unaryLoop<float, erfcf>,
-         .loop64 = unaryLoop<double, erfc>, .benchLo = -4, .benchHi = 10, .approx = erfc});
+         .loop64 = unaryLoop<double, erfc>, .approx = erfc});
     add({.family = "CdfNorm", .complex = false, .about = "all of the range; dense between the bounds L and U",
          .first = {spread(-kInf, kInf, 1), uniform(-15, 6, 3, T32), uniform(-40, 9, 3, T64)},
          .marks = {val(-14.170185089111328), val(5.41998291015625), val(-37.51937934714449, 0, T64),
                    val(8.292361075813595, 0, T64), val(-38.485408335567335, 0, T64), val(-37.74026543984266, 0, T64)},
          .cost = 6, .baseline = "erfcf", .loop32 = unaryLoop<float, cdfNorm<float>>,
-         .loop64 = unaryLoop<double, cdfNorm<double>>, .benchLo = -6, .benchHi = 6, .approx = cdfNorm<double>});
+         .loop64 = unaryLoop<double, cdfNorm<double>>, .approx = cdfNorm<double>});
     add({.family = "ErfInv", .complex = false, .about = "(-1, 1) uniform and by exponent of x and of 1 - |x|; some outside",
          .first = {uniform(-1, 1, 2), spread(-1, 1, 2), near(1, 0.5, 1), near(-1, 0.5, 1), spread(-kInf, kInf, 0.2)},
          .marks = {val(1), f32(0x33800000), f32(0x3F7FFFFF), hi(0x3CA00000), f64(0x3FEFFFFFFFFFFFFF), val(0.5)},
-         .cost = 6, .benchLo = -0.99, .benchHi = 0.99, .approx = approxErfInv});
+         .cost = 6, .approx = approxErfInv});
     add({.family = "ErfcInv", .complex = false, .about = "(0, 2) uniform and by exponent near 0, near 1 and 2; some outside",
          .first = {uniform(0, 2, 2), spread(0, 2, 2), near(2, 1, 1), near(1, 0.5, 1), spread(-kInf, kInf, 0.2)},
-         .marks = {val(1), val(2), f32(0x33800000), val(0x1p-53, 0, T64)}, .cost = 6, .benchLo = 0.01, .benchHi = 1.99,
+         .marks = {val(1), val(2), f32(0x33800000), val(0x1p-53, 0, T64)}, .cost = 6,
          .approx = approxErfcInv});
     add({.family = "CdfNormInv", .complex = false, .about = "(0, 1) uniform and by exponent near 0, near 1/2 and 1",
          .first = {uniform(0, 1, 2), spread(0, 1, 2), near(1, 0.5, 1), near(0.5, 0.5, 1), spread(-kInf, kInf, 0.2)},
-         .marks = {val(0.5), val(1), f32(0x33000000)}, .cost = 6, .benchLo = 0.01, .benchHi = 0.99,
+         .marks = {val(0.5), val(1), f32(0x33000000)}, .cost = 6,
          .approx = approxCdfNormInv});
 
     // ---- complex families ----
@@ -693,18 +684,17 @@ std::vector<Domain> makeDomains() {
                   "formula of 32fc A11 and 64fc A26 has no scaling: parts up to 2^62 and 2^510 there",
          .first = parts, .marks = gateMarks, .related = cancellingProducts, .outside = mulOutside,
          .baseline = "a*b", .loop32 = complexBinaryLoop<C32, complexTimes<C32>>,
-         .loop64 = complexBinaryLoop<C64, complexTimes<C64>>, .benchLo = -4, .benchHi = 4});
+         .loop64 = complexBinaryLoop<C64, complexTimes<C64>>});
     add({.family = "MulByConj", .complex = true,
          .about = "as Mul, for a times the conjugate of b", .first = parts, .marks = gateMarks,
          .related = cancellingProducts, .outside = mulOutside, .baseline = "a*conj(b)",
-         .loop32 = complexBinaryLoop<C32, timesConj<C32>>, .loop64 = complexBinaryLoop<C64, timesConj<C64>>,
-         .benchLo = -4, .benchHi = 4});
+         .loop32 = complexBinaryLoop<C32, timesConj<C32>>, .loop64 = complexBinaryLoop<C64, timesConj<C64>>});
     add({.family = "Div", .complex = true,
          .about = "all of the range; cancelling numerators. The plain formula of 32fc A11 and 64fc A26 squares the "
                   "divisor unscaled: parts within 2^+-30 and 2^+-250 there",
          .first = parts, .marks = gateMarks, .related = cancellingProducts, .outside = divOutside,
          .baseline = "a/b", .loop32 = complexBinaryLoop<C32, complexOver<C32>>,
-         .loop64 = complexBinaryLoop<C64, complexOver<C64>>, .benchLo = -4, .benchHi = 4});
+         .loop64 = complexBinaryLoop<C64, complexOver<C64>>});
     add({.family = "Arg", .complex = true, .about = "all of the range; the vector path's band", .first = parts,
          .marks = {f32(0x01000000), f32(0x7D000000)}, .baseline = "cargf", .loop32 = toRealLoop<C32, float, cargf>,
          .loop64 = toRealLoop<C64, double, carg>});
@@ -716,7 +706,7 @@ std::vector<Domain> makeDomains() {
          .first = {spread(-kInf, kInf, 1), uniform(-90, 90, 2, T32), uniform(-750, 750, 2, T64), uniform(-4, 4, 2)},
          .second = {spread(-kInf, kInf, 1), uniform(-10, 10, 2), multiples(kPi / 2, 0x1p14, 1), uniform(-2e4, 2e4, 1)},
          .marks = {f32(0x42AEAC50), val(10000), val(512), val(2048)}, .cost = 4, .baseline = "cexpf",
-         .loop32 = complexLoop<C32, cexpf>, .loop64 = complexLoop<C64, cexp>, .benchLo = -4, .benchHi = 4});
+         .loop32 = complexLoop<C32, cexpf>, .loop64 = complexLoop<C64, cexp>});
     add({.family = "Ln", .complex = true, .about = "all of the range; near the unit circle; on the branch cut",
          .first = parts, .marks = {f32(0x01000000), f32(0x7D000000), val(1)}, .related = unitCircleRelated,
          .cost = 4, .baseline = "clogf", .loop32 = complexLoop<C32, clogf>, .loop64 = complexLoop<C64, clog>});
@@ -730,13 +720,12 @@ std::vector<Domain> makeDomains() {
          .about = "all pairs; moderate powers of points near the origin. The product c ln z is plain binary64: "
                   "where its roundings alone could take half the bound, the level promises nothing",
          .first = parts, .related = complexPowRelated, .outside = complexPowOutside, .cost = 4,
-         .baseline = "cpowf", .loop32 = complexBinaryLoop<C32, cpowf>, .loop64 = complexBinaryLoop<C64, cpow>,
-         .benchLo = 0.5, .benchHi = 2});
+         .baseline = "cpowf", .loop32 = complexBinaryLoop<C32, cpowf>, .loop64 = complexBinaryLoop<C64, cpow>});
     add({.family = "Powx", .complex = true, .about = "as Pow, grouped by scalar", .first = parts,
          .related = complexPowRelated, .outside = complexPowOutside,
          .scalars = {2, 3, 0.5, -1, 0, 1, -0.5, 2.5}, .scalar = {uniform(-3, 3, 3), spread(-kInf, kInf, 1)},
          .cost = 4, .baseline = "cpowf", .loop32 = complexScalarLoop<C32, cpowf>,
-         .loop64 = complexScalarLoop<C64, cpow>, .benchLo = 0.5, .benchHi = 2});
+         .loop64 = complexScalarLoop<C64, cpow>});
     const std::vector<Piece> circularRe = {spread(-kInf, kInf, 1), uniform(-10, 10, 2), multiples(kPi / 2, 0x1p20, 1)};
     const std::vector<Piece> hyperbolicRe = {spread(-kInf, kInf, 1), uniform(-10, 10, 2), uniform(-800, 800, 1)};
     struct Direct { const char* name; bool circular; void (*l32)(const test::CallArrays&, int); void (*l64)(const test::CallArrays&, int); const char* base; };
@@ -752,7 +741,7 @@ std::vector<Domain> makeDomains() {
              .about = "all of the range; the hyperbolic part up to and past overflow, the circular part near multiples of pi/2",
              .first = f.circular ? circularRe : hyperbolicRe, .second = f.circular ? hyperbolicRe : circularRe,
              .marks = {val(2048), val(512), val(kPi / 2)}, .cost = 4, .baseline = f.base, .loop32 = f.l32,
-             .loop64 = f.l64, .benchLo = -4, .benchHi = 4});
+             .loop64 = f.l64});
     }
     for (const Direct& f : {Direct{"Asin", true, complexLoop<C32, casinf>, complexLoop<C64, casin>, "casinf"},
                             Direct{"Acos", true, complexLoop<C32, cacosf>, complexLoop<C64, cacos>, "cacosf"},
@@ -764,7 +753,7 @@ std::vector<Domain> makeDomains() {
              .about = "all of the range; near the unit circle and +-1, +-i; the crossovers 0.6417, 0.9 and 1.5",
              .first = {spread(-kInf, kInf, 2), uniform(-2, 2, 3), near(1, 0.5, 1), near(-1, 0.5, 1)},
              .marks = {val(1), val(0.6417), val(0.9), val(1.5)}, .related = unitCircleRelated, .cost = 4, .cost64 = 40,
-             .baseline = f.base, .loop32 = f.l32, .loop64 = f.l64, .benchLo = -2, .benchHi = 2});
+             .baseline = f.base, .loop32 = f.l32, .loop64 = f.l64});
     }
     return t;
 }

@@ -79,11 +79,10 @@ struct Domain {
     double cost = 1;              // oracle time per sample, relative to exp
     double cost64 = 0;            // the same for binary64 elements, if different
     // The plain scalar C library loop for the report's comparison ("" if
-    // none), and the inputs of the timing runs.
+    // none); it runs over the same timing arrays (support/throughput.h).
     const char* baseline = "";
     void (*loop32)(const test::CallArrays& a, int n) = nullptr;
     void (*loop64)(const test::CallArrays& a, int n) = nullptr;
-    double benchLo = -10, benchHi = 10;
     // A binary64 function of the C library close enough to judge binary32
     // results to a few 2^-20 ulps: the exhaustive mode filters with it and
     // asks the exact oracle only about the elements near the bound.

@@ -27,8 +27,28 @@ struct TimingRange {
 
 inline TimingRange timingRange(const CatalogueEntry& e) {
     const std::string_view f = e.family;
-    if (f == "Ln") return {1e-3, 1e3};
-    if (f == "Sqrt" || f == "InvSqrt") return {0, 100};
+    if (isComplex(e.type) && e.shape != Shape::RealToComplex) {
+        // Ranges of the parts.
+        if (f == "Pow" || f == "Powx") return {0.5, 2};
+        if (f == "Asin" || f == "Acos" || f == "Atan" || f == "Asinh" || f == "Acosh" || f == "Atanh") return {-2, 2};
+        if (f == "Add" || f == "Sub" || f == "Conj" || f == "Abs" || f == "Arg" || f == "Sqrt" || f == "Ln" ||
+            f == "Log10")
+            return {-10, 10};
+        return {-4, 4};
+    }
+    if (f == "Ln" || f == "Log10") return {1e-3, 1e3};
+    if (f == "Sqrt" || f == "InvSqrt" || f == "Pow3o2") return {0, 100};
+    if (f == "Expm1") return {-2, 2};
+    if (f == "Log1p") return {-0.5, 10};
+    if (f == "Pow" || f == "Powx") return {0.5, 4};
+    if (f == "Acosh") return {1, 20};
+    if (f == "Asin" || f == "Acos") return {-1, 1};
+    if (f == "Atanh" || f == "ErfInv") return {-0.99, 0.99};
+    if (f == "Erf") return {-4, 4};
+    if (f == "Erfc") return {-4, 10};
+    if (f == "CdfNorm") return {-6, 6};
+    if (f == "ErfcInv") return {0.01, 1.99};
+    if (f == "CdfNormInv") return {0.01, 0.99};
     return {-10, 10};
 }
 

@@ -23,7 +23,7 @@
 #include "oracle/sweep.h"
 #include "orvo.h"
 #include "support/call.h"
-#include "support/timing.h"
+#include "support/throughput.h"
 
 using namespace orvo;
 
@@ -109,60 +109,23 @@ bool matches(const Options& o, const char* name) {
 }
 
 // ---- throughput -------------------------------------------------------------
-
-struct Arrays {
-    std::vector<unsigned char> in[2], out[2];
-    unsigned char scalar[16] = {};
-};
-
-Arrays benchArrays(const CatalogueEntry& e, const oracle::Domain& d, int n) {
-    Arrays a;
-    const bool b32 = realBytes(e.type) == 4;
-    const int parts = test::inputBytes(e) / realBytes(e.type);
-    uint64_t state = 0x5EED;
-    auto next = [&]() {
-        state = state * 6364136223846793005u + 1442695040888963407u;
-        return static_cast<double>(state >> 11) * 0x1p-53;
-    };
-    auto put = [&](unsigned char* p, double v) {
-        if (b32) {
-            const float f = static_cast<float>(v);
-            std::memcpy(p, &f, 4);
-        } else {
-            std::memcpy(p, &v, 8);
-        }
-    };
-    for (int k = 0; k < test::inputCount(e); ++k) {
-        a.in[k].resize(static_cast<size_t>(n) * test::inputBytes(e));
-        for (int i = 0; i < n * parts; ++i) put(&a.in[k][i * realBytes(e.type)], d.benchLo + (d.benchHi - d.benchLo) * next());
-    }
-    for (int k = 0; k < test::outputCount(e); ++k) a.out[k].resize(static_cast<size_t>(n) * test::outputBytes(e));
-    // A power that takes the general path of Powx, not a squaring loop.
-    put(a.scalar, 1.5);
-    return a;
-}
-
-test::CallArrays callArrays(Arrays& a, const CatalogueEntry& e) {
-    test::CallArrays c;
-    for (int k = 0; k < test::inputCount(e); ++k) c.in[k] = a.in[k].data();
-    for (int k = 0; k < test::outputCount(e); ++k) c.out[k] = a.out[k].data();
-    c.scalar = a.scalar;
-    return c;
-}
+// The benchmarks' measure: 1024 elements, input sets taken in turn, inputs
+// uniform over the family's timing range; the plain loop over the same
+// arrays.
 
 void measure(Row& row) {
     const CatalogueEntry& e = *row.entry;
+    constexpr int kLen = 1024;
+    test::TimingArrays a(e, kLen, test::rotatingSets(e, kLen));
+    void* f = test::findFunction(e.name);
+    if (!f) return;
+    row.orvoElPerNs = 1 / test::timeFunction(e, f, a).nsPerElement;
     const oracle::Domain* d = oracle::findDomain(e.family, isComplex(e.type));
-    if (!d) return;
-    constexpr int kLen = 1000;
-    Arrays a = benchArrays(e, *d, kLen);
-    const test::CallArrays c = callArrays(a, e);
-    row.orvoElPerNs = 1 / test::timeCalls([&] { test::call(e, c, kLen); }, kLen).nsPerElement;
-    auto loop = realBytes(e.type) == 4 ? d->loop32 : d->loop64;
+    auto loop = d ? (realBytes(e.type) == 4 ? d->loop32 : d->loop64) : nullptr;
     if (loop && *d->baseline) {
         row.baseline = d->baseline;
         if (realBytes(e.type) == 8 && row.baseline.back() == 'f') row.baseline.pop_back();  // expf: exp in binary64
-        row.baseElPerNs = 1 / test::timeCalls([&] { loop(c, kLen); }, kLen).nsPerElement;
+        row.baseElPerNs = 1 / test::timeOver(a, loop).nsPerElement;
     }
 }
 

@@ -145,7 +145,7 @@ TEST(OracleReference, InversesByNewtonInvertToTheWorkingPrecision) {
     EXPECT_TRUE(mpfr_inf_p(y.v) && mpfr_sgn(y.v) < 0);
 }
 
-TEST(OracleReference, ConventionsOfTheDesignWhereTheyDifferFromMpfr) {
+TEST(OracleReference, ConventionsOfTheLibraryWhereTheyDifferFromMpfr) {
     const Reference* log1p = findReference("Log1p", false);
     const Reference* invSqrt = findReference("InvSqrt", false);
     const Reference* pow3o2 = findReference("Pow3o2", false);
@@ -212,6 +212,31 @@ TEST(OracleSamples, ThresholdNeighbourhoodsAndExclusionsAreThere) {
                 ASSERT_LE(std::abs(std::ilogb(v)), 30);
             }
         }
+}
+
+// The exhaustive mode skips the exact oracle where a family's binary64
+// approximation says an element is far from the bound: the approximations
+// must hold far better than the 2^-12 ulps of binary32 it leaves as margin.
+TEST(OracleSweep, ApproximationsOfTheExhaustiveModeHoldTo40Bits) {
+    std::mt19937_64 rng(11);
+    for (const auto& d : allDomains()) {
+        if (d.complex || !d.approx) continue;
+        const Reference* ref = findReference(d.family, false);
+        if (ref->form != Form::Real1) continue;
+        const CatalogueEntry* e = nullptr;
+        for (const auto& c : kCatalogue)
+            if (!e && std::strcmp(c.family, d.family) == 0 && c.type == ElementType::F32) e = &c;
+        const auto samples = drawSamples(*e, d, 400, rng());
+        Num x(0), y(0, 96);
+        for (const auto& s : samples) {
+            const double v = std::bit_cast<float>(static_cast<uint32_t>(s.in[0]));
+            mpfr_set_d(x, v, MPFR_RNDN);
+            ref->real1(y, x);
+            const double exact = mpfr_get_d(y, MPFR_RNDN), a = d.approx(v);
+            if (!std::isfinite(exact) || exact == 0 || std::fabs(exact) < 0x1p-126 || std::fabs(exact) > 0x1p127) continue;
+            ASSERT_LE(std::fabs(a - exact), 0x1p-40 * std::fabs(exact)) << d.family << " at " << v;
+        }
+    }
 }
 
 // The C library's functions are an implementation independent of this

@@ -71,7 +71,8 @@ struct Domain {
     // Arguments that matter together (x and y of Pow near overflow, ...):
     // called for a share of the budget, emits through the Draw.
     void (*related)(Draw& d, int count) = nullptr;
-    // Samples outside what a level promises, by the design's own statement.
+    // Samples outside what a level promises: where the family's own method
+    // gives up accuracy by construction (each case says why).
     bool (*outside)(const CatalogueEntry& e, const Sample& s) = nullptr;
     std::vector<double> scalars = {};  // ScalarRight: the scalars every sweep tries
     std::vector<Piece> scalar = {};    // ScalarRight: random scalars (each part); empty: as `second`

@@ -288,6 +288,16 @@ std::vector<Sample> drawSamples(const CatalogueEntry& e, const Domain& d, long c
         std::vector<std::pair<uint64_t, uint64_t>> scalars;
         for (double s : d.scalars) scalars.push_back({draw.bits(s), 0});
         for (uint64_t v : pairs) scalars.push_back({v, 0});
+        // Every special element under every declared or special scalar.
+        const size_t fixedScalars = scalars.size();
+        for (size_t k = 0; k < fixedScalars; ++k)
+            for (uint64_t v : specials) {
+                Sample s = randomSample();
+                s.in[complexIn ? draw.below(2) : 0] = v;
+                s.scalar[0] = scalars[k].first;
+                s.ownScalar = true;
+                draw.emit(s);
+            }
         for (int i = 0; i < 24; ++i)
             scalars.push_back({draw.pick(scalarPieces), complexIn && (i & 1) ? draw.pick(scalarPieces) : 0});
         for (long i = 0; i < static_cast<long>(out.size()); ++i) {

@@ -343,7 +343,7 @@ int main(int argc, char** argv) {
     Progress progress;
     const int total = static_cast<int>(rows.size());
     std::atomic<int> next{0}, done{0};
-    const int jobs = o.exhaustive ? 1 : std::max(1, o.jobs ? o.jobs : static_cast<int>(std::thread::hardware_concurrency()));
+    const int jobs = std::max(1, o.jobs ? o.jobs : static_cast<int>(std::thread::hardware_concurrency()));
     auto worker = [&]() {
         for (int i; (i = next++) < total;) {
             Row& r = rows[i];

@@ -31,6 +31,8 @@ std::vector<Group> builtGroups();
 std::string typeName(ElementType t);
 std::string functionKey(const CatalogueEntry& e, int len);
 std::string peerKey(const Group& g, const Peer& p, int len);
+// The paired run of e's goal: e's time, or the goal peer's.
+std::string goalKey(const CatalogueEntry& e, bool peer);
 
 // A performance goal: orvo's time over the peer's at that length must not
 // exceed the limit.

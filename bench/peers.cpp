@@ -8,9 +8,10 @@
 
 #include <cmath>
 #include <cstdio>
-#include <complex>
 #include <cstring>
 #include <string_view>
+
+#include "oracle/domains.h"
 
 namespace orvo::bench {
 namespace {
@@ -51,26 +52,6 @@ template <class T, int Arity> void vectorLoop(void* function, const test::CallAr
         W::store(pr, apply(px, py));
         for (int j = 0; i + j < n; ++j) r[i + j] = pr[j];
     }
-}
-
-// A scalar function of the C library, element by element.
-template <class T, int Arity> void scalarLoop(void* function, const test::CallArrays& a, int n) {
-    const T* x = static_cast<const T*>(a.in[0]);
-    const T* y = static_cast<const T*>(a.in[Arity - 1]);
-    T* r = static_cast<T*>(a.out[0]);
-    for (int i = 0; i < n; ++i) {
-        if constexpr (Arity == 1) r[i] = reinterpret_cast<T (*)(T)>(function)(x[i]);
-        else r[i] = reinterpret_cast<T (*)(T, T)>(function)(x[i], y[i]);
-    }
-}
-
-// An expression in plain C, value by value (`Parts` values an element:
-// complex arrays as flat arrays of parts).
-template <class T, class Op, int Parts> void expressionLoop(void*, const test::CallArrays& a, int elements) {
-    const T* x = static_cast<const T*>(a.in[0]);
-    const T* y = static_cast<const T*>(a.in[1] ? a.in[1] : a.in[0]);
-    T* r = static_cast<T*>(a.out[0]);
-    for (int i = 0; i < elements * Parts; ++i) r[i] = Op::scalar(x[i], y[i]);
 }
 
 // The same expression as a bare AVX loop: 256-bit unaligned loads and
@@ -148,13 +129,6 @@ template <class T> void bareConjugate(void*, const test::CallArrays& a, int elem
     for (; i + W::n <= n; i += W::n) W::store(r + i, Conjugate::vector(W::load(x + i), W::load(x + i)));
     for (; i < n; i += 2) r[i] = x[i], r[i + 1] = -x[i + 1];
 }
-template <class T> void complexLoop(void*, const test::CallArrays& a, int n) {
-    using C = std::complex<T>;
-    const C* x = static_cast<const C*>(a.in[0]);
-    C* r = static_cast<C*>(a.out[0]);
-    for (int i = 0; i < n; ++i) r[i] = std::conj(x[i]);
-}
-
 // ---- the libraries ------------------------------------------------------------
 
 bool avx2() {
@@ -162,37 +136,31 @@ bool avx2() {
     return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
 }
 
-// Vector functions of SLEEF and libmvec, the C library's function of the
-// same name, by family.
+// The vector functions of SLEEF and libmvec by family, under the C name of
+// the binary64 function.
 struct Names {
     const char* family;
-    const char* stem;  // C name of the binary64 function
+    const char* stem;
     int arity;
-    bool sleef, libmvec;
+    bool libmvec;  // SLEEF has them all
 };
 constexpr Names kLibraryNames[] = {
-    {"Exp", "exp", 1, true, true},       {"Ln", "log", 1, true, true},       {"Log10", "log10", 1, true, true},
-    {"Expm1", "expm1", 1, true, true},   {"Log1p", "log1p", 1, true, true},  {"Pow", "pow", 2, true, true},
-    {"Sin", "sin", 1, true, true},       {"Cos", "cos", 1, true, true},      {"Tan", "tan", 1, true, true},
-    {"Asin", "asin", 1, true, true},     {"Acos", "acos", 1, true, true},    {"Atan", "atan", 1, true, true},
-    {"Atan2", "atan2", 2, true, true},   {"Sinh", "sinh", 1, true, true},    {"Cosh", "cosh", 1, true, true},
-    {"Tanh", "tanh", 1, true, true},     {"Asinh", "asinh", 1, true, true},  {"Acosh", "acosh", 1, true, true},
-    {"Atanh", "atanh", 1, true, true},   {"Erf", "erf", 1, true, true},      {"Erfc", "erfc", 1, true, true},
-    {"Cbrt", "cbrt", 1, true, true},     {"Hypot", "hypot", 2, true, true},  {"Sqrt", "sqrt", 1, true, false},
-    {"Ceil", "ceil", 1, false, false},   {"Floor", "floor", 1, false, false}, {"Trunc", "trunc", 1, false, false},
-    {"Round", "round", 1, false, false}, {"Rint", "rint", 1, false, false},  {"NearbyInt", "nearbyint", 1, false, false},
+    {"Exp", "exp", 1, true},     {"Ln", "log", 1, true},       {"Log10", "log10", 1, true}, {"Expm1", "expm1", 1, true},
+    {"Log1p", "log1p", 1, true}, {"Pow", "pow", 2, true},      {"Sin", "sin", 1, true},     {"Cos", "cos", 1, true},
+    {"Tan", "tan", 1, true},     {"Asin", "asin", 1, true},    {"Acos", "acos", 1, true},   {"Atan", "atan", 1, true},
+    {"Atan2", "atan2", 2, true}, {"Sinh", "sinh", 1, true},    {"Cosh", "cosh", 1, true},   {"Tanh", "tanh", 1, true},
+    {"Asinh", "asinh", 1, true}, {"Acosh", "acosh", 1, true},  {"Atanh", "atanh", 1, true}, {"Erf", "erf", 1, true},
+    {"Erfc", "erfc", 1, true},   {"Cbrt", "cbrt", 1, true},    {"Hypot", "hypot", 2, true}, {"Sqrt", "sqrt", 1, false},
 };
 
 template <class T, int Arity> void addLibraryPeers(const Names& f, bool single, std::vector<Peer>& out) {
     using Loop = void (*)(void*, const test::CallArrays&, int);
     const Loop vector = vectorLoop<T, Arity>;
     const std::string stem = f.stem;
-    if (void* fn = dlsym(RTLD_DEFAULT, (stem + (single ? "f" : "")).c_str()))
-        out.push_back({Source::Libm, "", 0, stem + (single ? "f" : ""), fn, scalarLoop<T, Arity>});
     static void* const sleef = dlopen("libsleef.so.3", RTLD_NOW | RTLD_LOCAL);
     static void* const libmvec = dlopen("libmvec.so.1", RTLD_NOW | RTLD_LOCAL);
     static const bool hasAvx2 = avx2();
-    if (f.sleef && sleef) {
+    if (sleef) {
         for (const char* isa : {"avx", "avx2"}) {
             if (std::string_view(isa) == "avx2" && !hasAvx2) continue;
             for (int u : {5, 10, 15, 35}) {
@@ -214,9 +182,24 @@ template <class T, int Arity> void addLibraryPeers(const Names& f, bool single, 
     }
 }
 
-template <class T, class Op, int Parts = 1> void addExpression(const char* text, bool bare, std::vector<Peer>& out) {
-    out.push_back({Source::Libm, "", 0, text, nullptr, expressionLoop<T, Op, Parts>});
-    if (bare) out.push_back({Source::BareAvx, "AVX", 0, text, nullptr, bareLoop<T, Op, Parts>});
+template <class T, class Op, int Parts = 1> void addBare(const char* text, std::vector<Peer>& out) {
+    out.push_back({Source::BareAvx, "AVX", 0, text, nullptr, bareLoop<T, Op, Parts>});
+}
+
+// The plain loop over the C library that orvo-report compares with, from
+// the family's domain.
+void addLibmLoop(const char* family, ElementType type, std::vector<Peer>& out) {
+    const oracle::Domain* d = oracle::findDomain(family, isComplex(type));
+    if (!d || !*d->baseline) return;
+    const bool single = realBytes(type) == 4;
+    auto loop = single ? d->loop32 : d->loop64;
+    if (!loop) return;
+    std::string name = d->baseline;
+    if (!single && name.back() == 'f') name.pop_back();  // expf: exp in binary64
+    out.push_back({Source::Libm, "", 0, name, reinterpret_cast<void*>(loop),
+                   [](void* f, const test::CallArrays& a, int n) {
+                       reinterpret_cast<void (*)(const test::CallArrays&, int)>(f)(a, n);
+                   }});
 }
 
 template <class T> std::vector<Peer> realPeers(std::string_view family) {
@@ -227,28 +210,25 @@ template <class T> std::vector<Peer> realPeers(std::string_view family) {
         if (f.arity == 1) addLibraryPeers<T, 1>(f, single, out);
         else addLibraryPeers<T, 2>(f, single, out);
     }
-    // Single operations: their plain loop, and a bare AVX loop of the one
-    // instruction (the reference of the element-wise kernels).
-    if (family == "Add") addExpression<T, Plus>("a+b", true, out);
-    if (family == "Sub") addExpression<T, Minus>("a-b", true, out);
-    if (family == "Mul") addExpression<T, Times>("a*b", true, out);
-    if (family == "Sqr") addExpression<T, Square>("x*x", true, out);
-    if (family == "Abs") addExpression<T, Magnitude>(single ? "fabsf" : "fabs", true, out);
-    if (family == "Inv") addExpression<T, Reciprocal>("1/x", true, out);
-    if (family == "Div") addExpression<T, Over>("a/b", true, out);
-    if (family == "InvSqrt") addExpression<T, ReciprocalRoot>(single ? "1/sqrtf" : "1/sqrt", true, out);
-    if (family == "Sqrt") out.push_back({Source::BareAvx, "AVX", 0, "sqrt", nullptr, bareLoop<T, Root, 1>});
+    // Single operations: a bare AVX loop of the one instruction (the
+    // reference of the element-wise kernels).
+    if (family == "Add") addBare<T, Plus>("a+b", out);
+    if (family == "Sub") addBare<T, Minus>("a-b", out);
+    if (family == "Mul") addBare<T, Times>("a*b", out);
+    if (family == "Sqr") addBare<T, Square>("x*x", out);
+    if (family == "Abs") addBare<T, Magnitude>(single ? "fabsf" : "fabs", out);
+    if (family == "Inv") addBare<T, Reciprocal>("1/x", out);
+    if (family == "Div") addBare<T, Over>("a/b", out);
+    if (family == "InvSqrt") addBare<T, ReciprocalRoot>(single ? "1/sqrtf" : "1/sqrt", out);
+    if (family == "Sqrt") addBare<T, Root>("sqrt", out);
     return out;
 }
 
 template <class T> std::vector<Peer> complexPeers(std::string_view family) {
     std::vector<Peer> out;
-    if (family == "Add") addExpression<T, Plus, 2>("a+b", true, out);
-    if (family == "Sub") addExpression<T, Minus, 2>("a-b", true, out);
-    if (family == "Conj") {
-        out.push_back({Source::Libm, "", 0, sizeof(T) == 4 ? "conjf" : "conj", nullptr, complexLoop<T>});
-        out.push_back({Source::BareAvx, "AVX", 0, "conj", nullptr, bareConjugate<T>});
-    }
+    if (family == "Add") addBare<T, Plus, 2>("a+b", out);
+    if (family == "Sub") addBare<T, Minus, 2>("a-b", out);
+    if (family == "Conj") out.push_back({Source::BareAvx, "AVX", 0, "conj", nullptr, bareConjugate<T>});
     return out;
 }
 
@@ -269,13 +249,17 @@ std::string Peer::column() const {
 }
 
 std::vector<Peer> peersOf(const char* family, ElementType type) {
+    std::vector<Peer> out;
+    addLibmLoop(family, type, out);
+    std::vector<Peer> vector;
     switch (type) {
-    case ElementType::F32: return realPeers<float>(family);
-    case ElementType::F64: return realPeers<double>(family);
-    case ElementType::C32: return complexPeers<float>(family);
-    case ElementType::C64: return complexPeers<double>(family);
+    case ElementType::F32: vector = realPeers<float>(family); break;
+    case ElementType::F64: vector = realPeers<double>(family); break;
+    case ElementType::C32: vector = complexPeers<float>(family); break;
+    case ElementType::C64: vector = complexPeers<double>(family); break;
     }
-    return {};
+    out.insert(out.end(), vector.begin(), vector.end());
+    return out;
 }
 
 }  // namespace orvo::bench

@@ -1,8 +1,10 @@
 // What a user would call instead of orvo: the C library's scalar functions
-// in a plain loop, SLEEF's and glibc libmvec's vector functions, and for the
-// element-wise kernels a bare AVX loop.  All are black boxes, found in their
-// libraries by name at run time (so a variant exists here exactly when the
-// installed library has it) and run over the same arrays as orvo's function.
+// in a plain loop (the one orvo-report compares with, from the family's
+// domain), SLEEF's and glibc libmvec's vector functions, and for the
+// element-wise kernels a bare AVX loop.  The libraries are black boxes,
+// searched by name at run time (so a variant exists here exactly when the
+// installed library has it); every peer runs over the same arrays as orvo's
+// function.
 #pragma once
 
 #include <string>
